@@ -1,0 +1,7 @@
+#ifndef QVI18N_QVI18N_HPP
+#define QVI18N_QVI18N_HPP
+
+// The whole public API of libqvi18n. Each area adds its headers here.
+#include <qvi18n/config.hpp>
+
+#endif

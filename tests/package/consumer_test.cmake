@@ -1,0 +1,41 @@
+# Script mode: install, then build and run the consumer two ways.
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "failed (${rc}): ${ARGN}\n${out}\n${err}")
+  endif()
+  set(LAST_OUTPUT "${out}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+foreach(f bin/${PLATFORM_TAG}/libqvi18n.so include/qvi18n/qvi18n.hpp
+          lib/cmake/qvi18n/qvi18nConfig.cmake lib/cmake/qvi18n/qvi18nConfigVersion.cmake
+          lib/pkgconfig/qvi18n.pc)
+  if(NOT EXISTS ${prefix}/${f})
+    message(FATAL_ERROR "missing from the installed tree: ${f}")
+  endif()
+endforeach()
+
+# find_package
+run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/cmake-build
+    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_COMPILER_LAUNCHER=)
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/cmake-build)
+run(${WORK_DIR}/cmake-build/consumer ${prefix})
+if(NOT LAST_OUTPUT MATCHES "consumer ok")
+  message(FATAL_ERROR "find_package consumer printed: ${LAST_OUTPUT}")
+endif()
+
+# pkg-config
+find_program(PKG_CONFIG pkg-config REQUIRED)
+set(ENV{PKG_CONFIG_PATH} ${prefix}/lib/pkgconfig)
+run(${PKG_CONFIG} --cflags --libs qvi18n)
+string(STRIP "${LAST_OUTPUT}" flags)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+run(${CXX} -std=c++17 ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/consumer-pc ${flags})
+run(${WORK_DIR}/consumer-pc ${prefix})
+if(NOT LAST_OUTPUT MATCHES "consumer ok")
+  message(FATAL_ERROR "pkg-config consumer printed: ${LAST_OUTPUT}")
+endif()

@@ -1,0 +1,48 @@
+#ifndef QVTEST_TEXT_HPP
+#define QVTEST_TEXT_HPP
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+namespace qvtest {
+
+// UTF-16 literal helper: u16(u"...") or u16("ascii only").
+inline std::u16string u16(char16_t const* s) { return std::u16string(s); }
+std::u16string u16(char const* ascii);
+
+// UTF-8 <-> UTF-16 for building expectations (no dependency on the code under test).
+std::u16string utf8_to_utf16(std::string const& utf8);
+std::string utf16_to_utf8(std::u16string const& utf16);
+
+// "0041 00e9 d83d de00" — readable failure messages for UTF-16 text.
+std::string hex_dump(std::u16string const& s, std::size_t max_units = 64);
+// "41 c3 a9" — the same for bytes.
+std::string hex_dump(std::string const& s, std::size_t max_bytes = 64);
+
+// A seeded, reproducible random text generator for differential tests.
+class random_text {
+public:
+    explicit random_text(std::uint32_t seed) : state_(seed ? seed : 1u) {}
+    std::uint32_t next();
+    // length UTF-16 units mixing ASCII, Latin, BMP CJK and supplementary characters;
+    // a surrogate pair never straddles the end.
+    std::u16string unicode(std::size_t length);
+    // length random bytes.
+    std::string bytes(std::size_t length);
+
+private:
+    std::uint64_t state_;
+};
+
+} // namespace qvtest
+
+// Lets GoogleTest print std::u16string as hex + UTF-8 in failure messages.
+namespace std {
+inline void PrintTo(std::u16string const& s, std::ostream* os)
+{
+    *os << "u\"" << qvtest::utf16_to_utf8(s) << "\" [" << qvtest::hex_dump(s) << "]";
+}
+} // namespace std
+
+#endif
