@@ -20,10 +20,19 @@ std::u16string utf8_to_utf16(std::string const& utf8)
         unsigned char c = static_cast<unsigned char>(utf8[i]);
         char32_t cp;
         std::size_t n;
-        if (c < 0x80) { cp = c; n = 1; }
-        else if ((c >> 5) == 0x6) { cp = c & 0x1F; n = 2; }
-        else if ((c >> 4) == 0xE) { cp = c & 0x0F; n = 3; }
-        else { cp = c & 0x07; n = 4; }
+        if (c < 0x80) {
+            cp = c;
+            n = 1;
+        } else if ((c >> 5) == 0x6) {
+            cp = c & 0x1F;
+            n = 2;
+        } else if ((c >> 4) == 0xE) {
+            cp = c & 0x0F;
+            n = 3;
+        } else {
+            cp = c & 0x07;
+            n = 4;
+        }
         for (std::size_t k = 1; k < n && i + k < utf8.size(); ++k)
             cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
         i += n;
@@ -67,8 +76,7 @@ std::string utf16_to_utf8(std::u16string const& s)
 }
 
 namespace {
-template <typename String>
-std::string dump(String const& s, std::size_t max, int width, unsigned mask)
+template <typename String> std::string dump(String const& s, std::size_t max, int width, unsigned mask)
 {
     std::string out;
     char buf[8];
@@ -85,8 +93,14 @@ std::string dump(String const& s, std::size_t max, int width, unsigned mask)
 }
 } // namespace
 
-std::string hex_dump(std::u16string const& s, std::size_t max_units) { return dump(s, max_units, 4, 0xFFFFu); }
-std::string hex_dump(std::string const& s, std::size_t max_bytes) { return dump(s, max_bytes, 2, 0xFFu); }
+std::string hex_dump(std::u16string const& s, std::size_t max_units)
+{
+    return dump(s, max_units, 4, 0xFFFFu);
+}
+std::string hex_dump(std::string const& s, std::size_t max_bytes)
+{
+    return dump(s, max_bytes, 2, 0xFFu);
+}
 
 std::uint32_t random_text::next()
 {
@@ -104,9 +118,15 @@ std::u16string random_text::unicode(std::size_t length)
     while (out.size() < length) {
         std::uint32_t r = next();
         switch (r % 4) {
-        case 0: out.push_back(static_cast<char16_t>(0x20 + (r >> 8) % 0x5F)); break;
-        case 1: out.push_back(static_cast<char16_t>(0xC0 + (r >> 8) % 0xC0)); break;
-        case 2: out.push_back(static_cast<char16_t>(0x4E00 + (r >> 8) % 0x5000)); break;
+        case 0:
+            out.push_back(static_cast<char16_t>(0x20 + (r >> 8) % 0x5F));
+            break;
+        case 1:
+            out.push_back(static_cast<char16_t>(0xC0 + (r >> 8) % 0xC0));
+            break;
+        case 2:
+            out.push_back(static_cast<char16_t>(0x4E00 + (r >> 8) % 0x5000));
+            break;
         default:
             if (out.size() + 2 <= length) {
                 char32_t cp = 0x10000 + (r >> 8) % 0x20000;

@@ -9,8 +9,8 @@ namespace qvtest {
 // Sets (or unsets) one environment variable for a scope and restores it afterwards.
 class scoped_env {
 public:
-    scoped_env(std::string name, std::string const& value);      // setenv
-    explicit scoped_env(std::string name);                        // unsetenv
+    scoped_env(std::string name, std::string const& value); // setenv
+    explicit scoped_env(std::string name); // unsetenv
     ~scoped_env();
     scoped_env(scoped_env const&) = delete;
     scoped_env& operator=(scoped_env const&) = delete;

@@ -8,7 +8,10 @@
 namespace qvtest {
 
 // UTF-16 literal helper: u16(u"...") or u16("ascii only").
-inline std::u16string u16(char16_t const* s) { return std::u16string(s); }
+inline std::u16string u16(char16_t const* s)
+{
+    return std::u16string(s);
+}
 std::u16string u16(char const* ascii);
 
 // UTF-8 <-> UTF-16 for building expectations (no dependency on the code under test).
@@ -23,7 +26,9 @@ std::string hex_dump(std::string const& s, std::size_t max_bytes = 64);
 // A seeded, reproducible random text generator for differential tests.
 class random_text {
 public:
-    explicit random_text(std::uint32_t seed) : state_(seed ? seed : 1u) {}
+    explicit random_text(std::uint32_t seed)
+        : state_(seed ? seed : 1u)
+    { }
     std::uint32_t next();
     // length UTF-16 units mixing ASCII, Latin, BMP CJK and supplementary characters;
     // a surrogate pair never straddles the end.
