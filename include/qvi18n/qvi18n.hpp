@@ -5,5 +5,9 @@
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/ustring.hpp>
 #include <qvi18n/i18n/locale/date_time.hpp>
+#include <qvi18n/i18n/catalog/catalog_id.hpp>
+#include <qvi18n/i18n/catalog/message_id.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
+#include <qvi18n/resource_core/resource_core.hpp>
 
 #endif
