@@ -4,6 +4,10 @@
 // The whole public API of libqvi18n. Each area adds its headers here.
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/ustring.hpp>
+#include <qvi18n/i18n/locale/qvlocale.hpp>
+#include <qvi18n/i18n/locale/qvlocale_impl.hpp>
+#include <qvi18n/i18n/locale/lcdata.hpp>
+#include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/date_time.hpp>
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
 #include <qvi18n/i18n/catalog/message_id.hpp>

@@ -1,0 +1,265 @@
+#include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+
+#include "i18n/locale/ascii_fold.hpp"
+
+#include <boost/exception/exception.hpp>
+
+#include <unicode/locid.h>
+#include <unicode/ucnv.h>
+
+#include <algorithm>
+
+namespace fl {
+namespace i18n {
+
+LcStatusCtx::LcStatusCtx()
+    : status(not_initialized)
+{ }
+
+LcStatusCtx::~LcStatusCtx() = default;
+
+QvLocaleCtx::QvLocaleCtx()
+    : initialized(false)
+    , globalLocale(nullptr)
+    , l10nEnabled(true)
+    , localeLocked(false)
+{ }
+
+// The context is never destroyed; this only runs for contexts a test makes on its own.
+QvLocaleCtx::~QvLocaleCtx() = default;
+
+void QvLocaleCtx::initDefaultCtx()
+{
+    std::string const posix = LcData::get_posix_locale_short();
+    std::string const ascii = LcData::get_default_codeset();
+
+    classicLocale.reset(new QvLocaleImpl(lcData));
+    classicLocale->setLcName(posix, std::string());
+    classicLocale->setEncoding(ascii);
+
+    systemLocale.reset(new QvLocaleImpl(lcData));
+    systemLocale->setLcName(posix, std::string());
+    systemLocale->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
+    systemLocale->setEncoding(ascii);
+    systemLocale->setTerminalEncoding(ascii);
+
+    currentLocale.reset(new QvLocaleImpl(lcData));
+    currentLocale->setLcName(posix, std::string());
+    currentLocale->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
+    currentLocale->setEncoding(ascii);
+    currentLocale->setTerminalEncoding(ascii);
+
+    setGlobalLocale(classicLocale.get());
+
+    ucnv_setDefaultName(ascii.c_str());
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale::setDefault(icu::Locale(posix.c_str()), status);
+
+    initCatNameTbl();
+    initOptDataTypeTbl();
+}
+
+void QvLocaleCtx::initCatNameTbl()
+{
+    lcCategoryTbl["ctype"] = QvLocale::LcCtype;
+    lcCategoryTbl["collate"] = QvLocale::LcCollate;
+    lcCategoryTbl["time"] = QvLocale::LcTime;
+    lcCategoryTbl["numeric"] = QvLocale::LcNumeric;
+    lcCategoryTbl["monetary"] = QvLocale::LcMonetary;
+    lcCategoryTbl["messages"] = QvLocale::LcMessages;
+    for (auto const& entry : lcCategoryTbl) {
+        lcCatNameTbl[entry.second] = entry.first;
+    }
+}
+
+void QvLocaleCtx::initOptDataTypeTbl()
+{
+    optDataTypeTbl["jvmencoding"] = QvLcOptDataCtx::LcJvmEncoding;
+    optDataTypeTbl["termencoding"] = QvLcOptDataCtx::LcTermEncoding;
+    optDataTypeTbl["terminputencoding"] = QvLcOptDataCtx::LcTermInputEncoding;
+    optDataTypeTbl["termoutputencoding"] = QvLcOptDataCtx::LcTermOutputEncoding;
+    optDataTypeTbl["papersize"] = QvLcOptDataCtx::LcPaperSize;
+    optDataTypeTbl["unittype"] = QvLcOptDataCtx::LcUnitType;
+}
+
+QvLocale::LcCategory QvLocaleCtx::getLcCategory(std::string const& name) const
+{
+    auto found = lcCategoryTbl.find(detail::ascii_fold(name));
+    if (found == lcCategoryTbl.end()) {
+        throw boost::enable_current_exception(QvLcDataNotFound());
+    }
+    return found->second;
+}
+
+std::string QvLocaleCtx::getLcCatName(QvLocale::LcCategory category) const
+{
+    auto found = lcCatNameTbl.find(category);
+    if (found == lcCatNameTbl.end()) {
+        throw boost::enable_current_exception(QvLcDataNotFound());
+    }
+    return found->second;
+}
+
+QvLcOptDataCtx::LcOptDataType QvLocaleCtx::getOptDataType(std::string const& name) const
+{
+    auto found = optDataTypeTbl.find(detail::ascii_fold(name));
+    if (found == optDataTypeTbl.end()) {
+        throw boost::enable_current_exception(QvLcDataNotFound());
+    }
+    return found->second;
+}
+
+bool QvLocaleCtx::wasPublished(QvLocaleImpl const* locale) const
+{
+    return std::find(published.begin(), published.end(), locale) != published.end();
+}
+
+// A replaced locale that readers may still hold is kept for the life of the process.
+void QvLocaleCtx::replace(std::unique_ptr<QvLocaleImpl>& slot, std::unique_ptr<QvLocaleImpl> locale)
+{
+    if (slot && wasPublished(slot.get())) {
+        retired.push_back(std::move(slot));
+    }
+    slot = std::move(locale);
+}
+
+void QvLocaleCtx::setSystemLocale(std::unique_ptr<QvLocaleImpl> locale)
+{
+    replace(systemLocale, std::move(locale));
+}
+
+void QvLocaleCtx::setCurrentLocale(std::unique_ptr<QvLocaleImpl> locale)
+{
+    replace(currentLocale, std::move(locale));
+}
+
+void QvLocaleCtx::setNonL10nLocale(std::unique_ptr<QvLocaleImpl> locale)
+{
+    replace(nonL10nLocale, std::move(locale));
+}
+
+bool QvLocaleCtx::setGlobalLocale(QvLocaleImpl const* locale)
+{
+    if (locale == nullptr
+        || (locale != classicLocale.get() && locale != systemLocale.get() && locale != currentLocale.get()
+            && locale != nonL10nLocale.get())) {
+        return false;
+    }
+    if (!wasPublished(locale)) {
+        published.push_back(locale);
+    }
+    globalLocale.exchange(locale, std::memory_order_acq_rel);
+    return true;
+}
+
+QvLocaleCtx* QvLcCtxSingleton::m_instance = nullptr;
+boost::once_flag QvLcCtxSingleton::m_once = BOOST_ONCE_INIT;
+
+QvLocaleCtx& QvLcCtxSingleton::getInstance()
+{
+    boost::call_once(m_once, &QvLcCtxSingleton::init);
+    return *m_instance;
+}
+
+// If the built-in state cannot be set up, the once region rolls back and the next caller tries again.
+void QvLcCtxSingleton::init()
+{
+    std::unique_ptr<QvLocaleCtx> ctx(new QvLocaleCtx());
+    ctx->initDefaultCtx();
+    m_instance = ctx.release();
+}
+
+template class QvLcGenericSingleton<boost::mutex>;
+
+boost::mutex& getLcMutex()
+{
+    return QvLcGenericSingleton<boost::mutex>::getInstance();
+}
+
+QvLocaleCtx& get_qvlocale_context()
+{
+    return QvLcCtxSingleton::getInstance();
+}
+
+namespace {
+
+// ICU's own name for `name` turned into a standard one; empty if ICU cannot open it.
+std::string icu_standard_name(std::string const& name)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter* converter = ucnv_open(name.c_str(), &status);
+    if (U_FAILURE(status)) {
+        if (converter != nullptr) {
+            ucnv_close(converter);
+        }
+        return std::string();
+    }
+    status = U_ZERO_ERROR;
+    char const* icu_name = ucnv_getName(converter, &status);
+    std::string converter_name = (U_SUCCESS(status) && icu_name != nullptr) ? icu_name : "";
+    ucnv_close(converter);
+    return lcctype::get_standard_encoding_name_from_converter_name(converter_name);
+}
+
+} // namespace
+
+std::string& getEncoding(std::string& out, std::string const& name)
+{
+    LcData const& data = get_qvlocale_context().getLcData();
+    out = icu_standard_name(name);
+    // An encoding that ICU knows but the database does not list is no encoding of ours.
+    if (!out.empty() && !data.checkEncoding(out)) {
+        out.clear();
+    }
+    std::string const& canonical = data.getEncodingFromAlias(out);
+    if (!canonical.empty() && &canonical != &out) {
+        out = canonical;
+    }
+    return out;
+}
+
+namespace lcmgmt {
+
+bool is_supported_encoding(std::string const& name)
+{
+    LcData const& data = get_qvlocale_context().getLcData();
+    if (data.checkEncoding(name)) {
+        return true;
+    }
+    return data.checkEncoding(icu_standard_name(name));
+}
+
+std::string get_encoding_name_from_alias(std::string const& name)
+{
+    return get_qvlocale_context().getLcData().getEncodingFromAlias(name);
+}
+
+std::string get_qv_standard_encoding_name_from_alias(std::string const& name)
+{
+    return get_qvlocale_context().getLcData().getQvStandardEncodingName(name);
+}
+
+} // namespace lcmgmt
+
+namespace lcctype {
+
+std::string get_standard_encoding_name_from_converter_name(const std::string& name)
+{
+    if (name.empty()) {
+        return std::string();
+    }
+    static char const* const tags[] = {"MIME", "IANA", "WINDOWS"};
+    for (char const* tag : tags) {
+        UErrorCode status = U_ZERO_ERROR;
+        char const* standard = ucnv_getStandardName(name.c_str(), tag, &status);
+        if (status <= U_ZERO_ERROR && standard != nullptr) {
+            return standard;
+        }
+    }
+    return name;
+}
+
+} // namespace lcctype
+
+} // namespace i18n
+} // namespace fl
