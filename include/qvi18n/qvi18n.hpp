@@ -4,6 +4,8 @@
 // The whole public API of libqvi18n. Each area adds its headers here.
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/ustring.hpp>
+#include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>

@@ -1,0 +1,133 @@
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
+#include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/i18n/locale/qvlocale.hpp>
+
+#include "i18n/conversion/cvt_throw.hpp"
+
+#include <boost/thread/once.hpp>
+#include <boost/thread/tss.hpp>
+
+#include <cstring>
+
+namespace fl {
+namespace i18n {
+namespace lcctype {
+
+namespace {
+
+// The master converter: opened once, never replaced, never destroyed, so that it stays usable
+// while static objects are torn down.
+code_converter_context* master_holder = nullptr;
+boost::once_flag master_once = BOOST_ONCE_INIT;
+
+void open_master()
+{
+    std::unique_ptr<code_converter_context> holder(new code_converter_context);
+    const std::string encoding = QvLocale::global().encoding();
+    UErrorCode status = U_ZERO_ERROR;
+    holder->converter.reset(ucnv_open(encoding.c_str(), &status));
+    if (status > U_ZERO_ERROR)
+        holder->converter.reset();
+    master_holder = holder.release();
+}
+
+boost::thread_specific_ptr<code_converter_context>* thread_slot = nullptr;
+boost::once_flag thread_slot_once = BOOST_ONCE_INIT;
+
+void make_thread_slot()
+{
+    thread_slot = new boost::thread_specific_ptr<code_converter_context>();
+}
+
+} // namespace
+
+UConverter* get_global_codecvt()
+{
+    boost::call_once(master_once, &open_master);
+    return master_holder->converter.get();
+}
+
+std::unique_ptr<UConverter, converter_close> clone_codecvt()
+{
+    if (UConverter* master = get_global_codecvt()) {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<UConverter, converter_close> clone(ucnv_clone(master, &status));
+        if (status <= U_ZERO_ERROR && clone)
+            return clone;
+    }
+    // No master, or it could not be cloned: the global locale's encoding as it stands now.
+    const std::string encoding = QvLocale::global().encoding();
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<UConverter, converter_close> opened(ucnv_open(encoding.c_str(), &status));
+    if (status > U_ZERO_ERROR || !opened)
+        detail::throw_cvt<CvtConversionFailure>();
+    return opened;
+}
+
+UConverter* get_cached_codecvt()
+{
+    boost::call_once(thread_slot_once, &make_thread_slot);
+    code_converter_context* context = thread_slot->get();
+    if (!context) {
+        std::unique_ptr<UConverter, converter_close> clone = clone_codecvt();
+        std::unique_ptr<code_converter_context> made(new code_converter_context);
+        made->converter = std::move(clone);
+        thread_slot->reset(made.get());
+        context = made.release();
+    }
+    return context->converter.get();
+}
+
+} // namespace lcctype
+
+std::string to_string(const ustring& source)
+{
+    if (source.empty())
+        return std::string();
+    const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
+    return lcctype::convert_to_string_large_buffer<char, char16_t>(
+        converter.get(), source.data(), source.size(), &lcctype::stream_conversion_from_utf16);
+}
+
+ustring to_ustring(const std::string& source)
+{
+    if (source.empty())
+        return ustring();
+    const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
+    return lcctype::convert_to_string_large_buffer<char16_t, char>(
+        converter.get(), source.data(), source.size(), &lcctype::stream_conversion_to_utf16);
+}
+
+ustring to_ustring(const char* source)
+{
+    if (!source)
+        return ustring();
+    // An empty text still takes a clone, as every non-null pointer does.
+    const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
+    return lcctype::convert_to_string_large_buffer<char16_t, char>(
+        converter.get(), source, std::strlen(source), &lcctype::stream_conversion_to_utf16);
+}
+
+std::string to_string(const ustring& source, const converter<char, char16_t>& cvt)
+{
+    if (source.empty())
+        return std::string();
+    return cvt.do_convert(source.data(), source.size());
+}
+
+ustring to_ustring(const std::string& source, const converter<char16_t, char>& cvt)
+{
+    if (source.empty())
+        return ustring();
+    return cvt.do_convert(source.data(), source.size());
+}
+
+ustring to_ustring(const char* source, const converter<char16_t, char>& cvt)
+{
+    if (!source || *source == '\0')
+        return ustring();
+    return cvt.do_convert(source, std::strlen(source));
+}
+
+} // namespace i18n
+} // namespace fl
