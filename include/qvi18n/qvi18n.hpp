@@ -15,5 +15,9 @@
 #include <qvi18n/i18n/catalog/message_id.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
 #include <qvi18n/resource_core/resource_core.hpp>
+#include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/posix/path_algorithms.hpp>
+#include <qvi18n/filesystem/path.hpp>
+#include <qvi18n/filesystem/converters.hpp>
 
 #endif
