@@ -1,0 +1,241 @@
+#include <qvi18n/filesystem/operations.hpp>
+
+#include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/exceptions.hpp>
+
+#include "filesystem/posix/operations_posix_impl.hpp"
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/system/error_code.hpp>
+
+#include <sys/stat.h>
+
+namespace fl {
+namespace filesystem {
+
+using fl::i18n::MakeException;
+using fl::i18n::ustring;
+
+namespace {
+
+// Bytes for the system: a upath is native already, a ustring is cleaned on the way.
+std::string native_bytes(const upath& p)
+{
+    return detail::make_native_access_form(p.get_path_name());
+}
+
+std::string native_bytes(const ustring& p)
+{
+    return detail::make_native_access_form_with_cleanup(p);
+}
+
+file_status status_of(const std::string& bytes)
+{
+    char const* const name = bytes.c_str();
+    return posix::perform_status([name](struct stat* st) { return ::stat(name, st); });
+}
+
+file_status symlink_status_of(const std::string& bytes)
+{
+    char const* const name = bytes.c_str();
+    return posix::perform_status([name](struct stat* st) { return ::lstat(name, st); });
+}
+
+void check_access_mode(unsigned int mode)
+{
+    if (mode < 1u || mode > 15u)
+        throw MakeException(InvalidArgument());
+}
+
+void check_permission_flags(unsigned int prms)
+{
+    if ((prms & file_status::perms_add) && (prms & file_status::perms_remove))
+        throw MakeException(InvalidArgument());
+    if ((prms & file_status::perms_mask) == file_status::perms_unknown)
+        throw MakeException(InvalidArgument());
+}
+
+void check_write_time(const boost::posix_time::ptime& t)
+{
+    // The infinities have no second count either.
+    if (t.is_special())
+        throw MakeException(InvalidArgument());
+}
+
+ustring read_symlink_text(const ustring& p)
+{
+    // Cleaned even for a upath: a link read through "~/" must find the home directory's link.
+    ustring const cleaned = detail::make_native_form(p, true);
+    return detail::from_filesystem(posix::readlink(detail::make_native_access_form(cleaned)));
+}
+
+bool equivalent_bytes(const std::string& a, const std::string& b)
+{
+    boost::system::error_code error;
+    bool const same
+        = boost::filesystem::equivalent(boost::filesystem::path(a), boost::filesystem::path(b), error);
+    if (error)
+        posix::exception_dispatcher(error.value(), a, std::string());
+    return same;
+}
+
+} // namespace
+
+bool exists(const upath& p)
+{
+    return !p.empty() && posix::exists(native_bytes(p));
+}
+
+bool exists(const ustring& p)
+{
+    return !p.empty() && posix::exists(native_bytes(p));
+}
+
+file_status status(const upath& p)
+{
+    return p.empty() ? file_status() : status_of(native_bytes(p));
+}
+
+file_status status(const ustring& p)
+{
+    return p.empty() ? file_status() : status_of(native_bytes(p));
+}
+
+file_status symlink_status(const upath& p)
+{
+    return p.empty() ? file_status() : symlink_status_of(native_bytes(p));
+}
+
+file_status symlink_status(const ustring& p)
+{
+    return p.empty() ? file_status() : symlink_status_of(native_bytes(p));
+}
+
+file_status_light status_express_light(const ustring& p)
+{
+    // Callers hand in names they built themselves, already native.
+    return p.empty() ? file_status_light() : posix::status_express_light(detail::make_native_access_form(p));
+}
+
+bool access(const upath& p, unsigned int mode)
+{
+    if (p.empty())
+        throw MakeException(InvalidArgument());
+    check_access_mode(mode);
+    return posix::access_check(native_bytes(p), mode);
+}
+
+bool access(const ustring& p, unsigned int mode)
+{
+    if (p.empty())
+        throw MakeException(InvalidArgument());
+    check_access_mode(mode);
+    return posix::access_check(native_bytes(p), mode);
+}
+
+void permissions(const upath& p, unsigned int prms)
+{
+    if (p.empty())
+        return;
+    check_permission_flags(prms);
+    darwin::change_perms(native_bytes(p), prms);
+}
+
+void permissions(const ustring& p, unsigned int prms)
+{
+    if (p.empty())
+        return;
+    check_permission_flags(prms);
+    darwin::change_perms(native_bytes(p), prms);
+}
+
+void last_write_time(const upath& p, const boost::posix_time::ptime& t)
+{
+    if (p.empty())
+        throw MakeException(InvalidArgument());
+    check_write_time(t);
+    posix::modify_last_write_time(native_bytes(p), t);
+}
+
+void last_write_time(const ustring& p, const boost::posix_time::ptime& t)
+{
+    if (p.empty())
+        throw MakeException(InvalidArgument());
+    check_write_time(t);
+    posix::modify_last_write_time(native_bytes(p), t);
+}
+
+bool change_current_path(const upath& p)
+{
+    return !p.empty() && set_cwd(native_bytes(p));
+}
+
+bool change_current_path(const ustring& p)
+{
+    return !p.empty() && set_cwd(native_bytes(p));
+}
+
+upath absolute(const upath& p, const upath& base)
+{
+    if (p.empty())
+        return upath();
+    return upath(posix::make_absolute<char16_t>(p.get_path_name(), base.get_path_name()));
+}
+
+ustring absolute(const ustring& p, const ustring& base)
+{
+    if (p.empty())
+        return ustring();
+    return posix::make_absolute<char16_t>(
+        detail::make_native_form(p, true), detail::make_native_form(base, true));
+}
+
+upath canonical(const upath& p, const upath& base)
+{
+    if (p.empty())
+        return upath();
+    return upath(posix::make_canonical(p.get_path_name(), base.get_path_name()));
+}
+
+ustring canonical(const ustring& p, const ustring& base)
+{
+    if (p.empty())
+        return ustring();
+    return posix::make_canonical(detail::make_native_form(p, true), detail::make_native_form(base, true));
+}
+
+upath read_symlink(const upath& p)
+{
+    if (p.empty())
+        return upath();
+    return upath(read_symlink_text(p.get_path_name()));
+}
+
+ustring read_symlink(const ustring& p)
+{
+    if (p.empty())
+        return ustring();
+    return read_symlink_text(detail::make_native_form(p, true));
+}
+
+bool equivalent(const upath& a, const upath& b)
+{
+    return equivalent(a.get_path_name(), b.get_path_name());
+}
+
+bool equivalent(const ustring& a, const ustring& b)
+{
+    if (a.empty() && b.empty())
+        throw MakeException(InvalidArgument());
+    if (a.empty() || b.empty())
+        return false;
+    return equivalent_bytes(detail::make_native_access_form(a), detail::make_native_access_form(b));
+}
+
+upath get_current_path()
+{
+    return upath(operations_traits<char16_t>::get_current_working_directory_core());
+}
+
+} // namespace filesystem
+} // namespace fl
