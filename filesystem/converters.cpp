@@ -1,8 +1,7 @@
 #include <qvi18n/filesystem/converters.hpp>
 
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
-
-#include "filesystem/conversion_buffer.hpp"
 
 #include <unicode/ustring.h>
 
@@ -94,14 +93,15 @@ std::string to_filesystem(const fl::i18n::ustring& p)
 {
     if (p.empty())
         return std::string();
-    return convert_whole<char>(p.data(), p.size(), &conversion_to_utf8);
+    return fl::i18n::lcctype::convert_to_string_utf<char, char16_t>(p.data(), p.size(), &conversion_to_utf8);
 }
 
 fl::i18n::ustring from_filesystem(const std::string& p)
 {
     if (p.empty())
         return fl::i18n::ustring();
-    return convert_whole<char16_t>(p.data(), p.size(), &conversion_from_utf8);
+    return fl::i18n::lcctype::convert_to_string_utf<char16_t, char>(
+        p.data(), p.size(), &conversion_from_utf8);
 }
 
 std::string make_native_access_form(const fl::i18n::ustring& p)
@@ -132,5 +132,92 @@ std::string make_native_access_form_with_cleanup(
 }
 
 } // namespace detail
+
+namespace {
+
+std::unique_ptr<fl::i18n::CvtCtx> open_utf8_context()
+{
+    UErrorCode status = U_ZERO_ERROR;
+    fl::i18n::lcctype::unique_converter converter(ucnv_open("UTF-8", &status));
+    if (U_FAILURE(status) || !converter)
+        throw fl::i18n::MakeException(FileNameConversionFailure(2));
+    return std::unique_ptr<fl::i18n::CvtCtx>(new fl::i18n::CvtCtx(converter));
+}
+
+std::unique_ptr<fl::i18n::CvtCtx> open_to_bytes_context(bool allow_invalid)
+{
+    std::unique_ptr<fl::i18n::CvtCtx> context = open_utf8_context();
+    if (!allow_invalid)
+        context->change_from_call_back(fl::i18n::call_back_invalid_check, std::string());
+    return context;
+}
+
+std::unique_ptr<fl::i18n::CvtCtx> open_from_bytes_context(bool allow_invalid)
+{
+    std::unique_ptr<fl::i18n::CvtCtx> context = open_utf8_context();
+    if (!allow_invalid)
+        context->change_to_call_back(fl::i18n::call_back_invalid_check);
+    return context;
+}
+
+inline UConverter* converter_of(const std::unique_ptr<fl::i18n::CvtCtx>& context)
+{
+    if (!context || !context->get_converter())
+        throw fl::i18n::MakeException(FileNameConversionFailure(7));
+    return context->get_converter();
+}
+
+} // namespace
+
+#define QVI18N_FSYS_TO_BYTES_CONVERTER_BODY(Name)                                                            \
+    Name::Name(bool allow_invalid)                                                                           \
+        : context_(open_to_bytes_context(allow_invalid))                                                     \
+    { }                                                                                                      \
+    Name::~Name() { }                                                                                        \
+    unsigned long Name::do_get_destination_size(const char16_t* source, unsigned long length) const          \
+    {                                                                                                        \
+        return detail::conversion_from_uchar(converter_of(context_), nullptr, 0, source, length);            \
+    }                                                                                                        \
+    std::string Name::do_convert(const char16_t* source, unsigned long length) const                         \
+    {                                                                                                        \
+        return fl::i18n::lcctype::convert_to_string_generic<char, char16_t>(                                 \
+            converter_of(context_), source, length, &detail::conversion_from_uchar);                         \
+    }                                                                                                        \
+    unsigned long Name::do_convert(char* destination, unsigned long destination_size,                        \
+        const char16_t* source, unsigned long length) const                                                  \
+    {                                                                                                        \
+        return detail::conversion_from_uchar(                                                                \
+            converter_of(context_), destination, destination_size, source, length);                          \
+    }
+
+#define QVI18N_FSYS_FROM_BYTES_CONVERTER_BODY(Name)                                                          \
+    Name::Name(bool allow_invalid)                                                                           \
+        : context_(open_from_bytes_context(allow_invalid))                                                   \
+    { }                                                                                                      \
+    Name::~Name() { }                                                                                        \
+    unsigned long Name::do_get_destination_size(const char* source, unsigned long length) const              \
+    {                                                                                                        \
+        return detail::conversion_to_utf16(converter_of(context_), nullptr, 0, source, length);              \
+    }                                                                                                        \
+    fl::i18n::ustring Name::do_convert(const char* source, unsigned long length) const                       \
+    {                                                                                                        \
+        return fl::i18n::lcctype::convert_to_string_generic<char16_t, char>(                                 \
+            converter_of(context_), source, length, &detail::conversion_to_utf16);                           \
+    }                                                                                                        \
+    unsigned long Name::do_convert(char16_t* destination, unsigned long destination_size,                    \
+        const char* source, unsigned long length) const                                                      \
+    {                                                                                                        \
+        return detail::conversion_to_utf16(                                                                  \
+            converter_of(context_), destination, destination_size, source, length);                          \
+    }
+
+QVI18N_FSYS_TO_BYTES_CONVERTER_BODY(codecvt_ustring_to_filesystem)
+QVI18N_FSYS_TO_BYTES_CONVERTER_BODY(codecvt_ustring_to_narrow_string)
+QVI18N_FSYS_FROM_BYTES_CONVERTER_BODY(codecvt_filesystem_to_ustring)
+QVI18N_FSYS_FROM_BYTES_CONVERTER_BODY(codecvt_narrow_string_to_ustring)
+
+#undef QVI18N_FSYS_TO_BYTES_CONVERTER_BODY
+#undef QVI18N_FSYS_FROM_BYTES_CONVERTER_BODY
+
 } // namespace filesystem
 } // namespace fl

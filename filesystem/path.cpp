@@ -1,9 +1,8 @@
 #include <qvi18n/filesystem/path.hpp>
 
 #include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
-
-#include "filesystem/conversion_buffer.hpp"
 
 namespace fl {
 namespace filesystem {
@@ -144,14 +143,15 @@ boost::filesystem::path make_path(const char16_t* s, unsigned long n)
 {
     if (!s || n == 0)
         return boost::filesystem::path();
-    return boost::filesystem::path(detail::convert_whole<char>(s, n, &detail::conversion_to_utf8));
+    return boost::filesystem::path(
+        fl::i18n::lcctype::convert_to_string_utf<char, char16_t>(s, n, &detail::conversion_to_utf8));
 }
 
 void append(boost::filesystem::path& p, const char16_t* s, unsigned long n)
 {
     std::string bytes;
     if (s && n != 0)
-        bytes = detail::convert_whole<char>(s, n, &detail::conversion_to_utf8);
+        bytes = fl::i18n::lcctype::convert_to_string_utf<char, char16_t>(s, n, &detail::conversion_to_utf8);
     if (bytes.empty())
         return;
     // Keeps the process's path locale set up the same way as every other append would.
