@@ -1,0 +1,137 @@
+#include <qvi18n/i18n/conversion/codecvt.hpp>
+#include <qvi18n/i18n/locale/qvlocale.hpp>
+
+#include "i18n/conversion/block_loop.hpp"
+#include "i18n/conversion/cvt_throw.hpp"
+
+namespace fl {
+namespace i18n {
+
+namespace {
+
+// A converter built with no encoding follows the global locale as it stands now.
+std::unique_ptr<CvtCtx> make_ctx(const std::string& encoding)
+{
+    return std::unique_ptr<CvtCtx>(new CvtCtx(encoding.empty() ? QvLocale::global().encoding() : encoding));
+}
+
+UConverter* converter_of(const std::unique_ptr<CvtCtx>& ctx)
+{
+    if (!ctx || !ctx->get_converter())
+        detail::throw_cvt<CvtConversionFailure>();
+    return ctx->get_converter();
+}
+
+} // namespace
+
+codecvt_ustring_to_string::codecvt_ustring_to_string(const std::string& encoding, bool allow_invalid)
+    : ctx(make_ctx(encoding))
+{
+    if (!allow_invalid)
+        ctx->change_from_call_back(call_back_invalid_check, std::string());
+}
+
+codecvt_ustring_to_string::codecvt_ustring_to_string(
+    codecvt_call_back_mode mode, const std::string& encoding, const std::string& substitution)
+    : ctx(make_ctx(encoding))
+{
+    if (mode != call_back_default)
+        ctx->change_from_call_back(mode, substitution);
+}
+
+codecvt_ustring_to_string::~codecvt_ustring_to_string() { }
+
+void codecvt_ustring_to_string::change_call_back(codecvt_call_back_mode mode, const std::string& substitution)
+{
+    if (ctx)
+        ctx->change_from_call_back(mode, substitution);
+}
+
+void codecvt_ustring_to_string::reset_call_back()
+{
+    if (ctx)
+        ctx->reset_from_call_back();
+}
+
+codecvt_call_back_mode codecvt_ustring_to_string::get_call_back_mode() const
+{
+    return ctx ? ctx->get_from_call_back_mode() : call_back_default;
+}
+
+unsigned long codecvt_ustring_to_string::do_get_destination_size(const char16_t* source, unsigned long length) const
+{
+    UConverter* converter = converter_of(ctx);
+    return detail::run_block_loop<char, char16_t>(
+        converter, nullptr, 0, source, length, detail::direct_step<char, char16_t>());
+}
+
+std::string codecvt_ustring_to_string::do_convert(const char16_t* source, unsigned long length) const
+{
+    return lcctype::convert_to_string_large_buffer<char, char16_t>(
+        converter_of(ctx), source, length, &lcctype::stream_conversion_from_utf16);
+}
+
+unsigned long codecvt_ustring_to_string::do_convert(
+    char* destination, unsigned long destination_size, const char16_t* source, unsigned long length) const
+{
+    UConverter* converter = converter_of(ctx);
+    return detail::run_block_loop<char, char16_t>(converter, destination, destination_size, source, length,
+        detail::primitive_step<char, char16_t>{&lcctype::stream_conversion_from_utf16});
+}
+
+codecvt_string_to_ustring::codecvt_string_to_ustring(const std::string& encoding, bool allow_invalid)
+    : ctx(make_ctx(encoding))
+{
+    if (!allow_invalid)
+        ctx->change_to_call_back(call_back_invalid_check);
+}
+
+codecvt_string_to_ustring::codecvt_string_to_ustring(codecvt_call_back_mode mode, const std::string& encoding)
+    : ctx(make_ctx(encoding))
+{
+    if (mode != call_back_default)
+        ctx->change_to_call_back(mode);
+}
+
+codecvt_string_to_ustring::~codecvt_string_to_ustring() { }
+
+void codecvt_string_to_ustring::change_call_back(codecvt_call_back_mode mode)
+{
+    if (ctx)
+        ctx->change_to_call_back(mode);
+}
+
+void codecvt_string_to_ustring::reset_call_back()
+{
+    if (ctx)
+        ctx->reset_to_call_back();
+}
+
+codecvt_call_back_mode codecvt_string_to_ustring::get_call_back_mode() const
+{
+    return ctx ? ctx->get_to_call_back_mode() : call_back_default;
+}
+
+unsigned long codecvt_string_to_ustring::do_get_destination_size(const char* source, unsigned long length) const
+{
+    UConverter* converter = converter_of(ctx);
+    return detail::run_block_loop<char16_t, char>(
+        converter, nullptr, 0, source, length, detail::direct_step<char16_t, char>());
+}
+
+ustring codecvt_string_to_ustring::do_convert(const char* source, unsigned long length) const
+{
+    return lcctype::convert_to_string_large_buffer<char16_t, char>(
+        converter_of(ctx), source, length, &lcctype::stream_conversion_to_utf16);
+}
+
+unsigned long codecvt_string_to_ustring::do_convert(
+    char16_t* destination, unsigned long destination_size, const char* source, unsigned long length) const
+{
+    UConverter* converter = converter_of(ctx);
+    return detail::run_block_loop<char16_t, char>(converter, destination, destination_size, source, length,
+        detail::primitive_step<char16_t, char>{&lcctype::stream_conversion_to_utf16});
+}
+
+} // namespace i18n
+} // namespace fl
