@@ -26,5 +26,8 @@
 #include <qvi18n/filesystem/posix/path_algorithms.hpp>
 #include <qvi18n/filesystem/path.hpp>
 #include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/i18n/catalog/resource_finder.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
+#include <qvi18n/i18n/catalog/expat_loader.hpp>
 
 #endif

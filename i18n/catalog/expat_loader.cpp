@@ -1,0 +1,137 @@
+#include <qvi18n/i18n/catalog/expat_loader.hpp>
+
+#include <qvi18n/filesystem/fstream.hpp>
+
+#include <boost/numeric/conversion/cast.hpp>
+
+#include <istream>
+#include <string>
+
+namespace fl {
+namespace i18n {
+
+ExpatEventHandler::ExpatEventHandler(const std::string& enc)
+    : parse_ok(true)
+    , encoding(enc)
+{ }
+
+ExpatEventHandler::~ExpatEventHandler() = default;
+
+bool ExpatEventHandler::elementStart(const char* name, const char** attributes)
+{
+    if (!parse_ok) {
+        return false;
+    }
+    parse_ok = doElementStart(name, attributes);
+    return parse_ok;
+}
+
+bool ExpatEventHandler::elementData(const char* text, int length, bool first_in_line)
+{
+    if (!parse_ok) {
+        return false;
+    }
+    parse_ok = doElementData(text, length, first_in_line);
+    return parse_ok;
+}
+
+bool ExpatEventHandler::elementEnd(const char* name)
+{
+    if (!parse_ok) {
+        return false;
+    }
+    parse_ok = doElementEnd(name);
+    return parse_ok;
+}
+
+ExpatLoader::XML_Parser_Guard::XML_Parser_Guard(const char* encoding)
+    : parser(XML_ParserCreate(encoding))
+{ }
+
+ExpatLoader::XML_Parser_Guard::~XML_Parser_Guard()
+{
+    if (parser) {
+        XML_ParserFree(parser);
+    }
+}
+
+ExpatLoader::XML_Parser_User_Data::XML_Parser_User_Data(
+    XML_Parser p, const boost::shared_ptr<ExpatEventHandler>& h)
+    : parser(p)
+    , handler(h)
+    , new_line(true)
+{ }
+
+namespace {
+
+// The callbacks hold their own reference to the handler for the length of the call.
+
+void XMLCALL on_element_start(void* data, const XML_Char* name, const XML_Char** attributes)
+{
+    ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
+    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    if (!handler->elementStart(name, attributes)) {
+        XML_StopParser(user->parser, XML_FALSE);
+    }
+}
+
+void XMLCALL on_element_end(void* data, const XML_Char* name)
+{
+    ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
+    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    if (!handler->elementEnd(name)) {
+        XML_StopParser(user->parser, XML_FALSE);
+    }
+}
+
+void XMLCALL on_character_data(void* data, const XML_Char* text, int length)
+{
+    ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
+    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    bool ok = handler->elementData(text, length, user->new_line);
+    // Only the first run of a line opens it; Expat splits a line's text around entities.
+    user->new_line = false;
+    if (!ok) {
+        XML_StopParser(user->parser, XML_FALSE);
+    }
+}
+
+} // namespace
+
+ExpatLoader::ExpatLoader(const fl::filesystem::upath& file, boost::shared_ptr<ExpatEventHandler> h)
+    : file_path(file)
+    , parser(h->getEncoding().c_str())
+    , handler(h)
+    , user_data(new XML_Parser_User_Data(parser.get(), handler))
+{
+    XML_SetElementHandler(parser.get(), on_element_start, on_element_end);
+    XML_SetCharacterDataHandler(parser.get(), on_character_data);
+    XML_SetUserData(parser.get(), user_data.get());
+}
+
+ExpatLoader::~ExpatLoader() = default;
+
+bool ExpatLoader::load_file()
+{
+    fl::filesystem::basic_ifstream<char> in(file_path);
+    if (in.rdstate() != std::ios_base::goodbit) {
+        return false;
+    }
+    // Line endings never reach the parser. Only a last line without a line break is parsed as
+    // final, so a document cut off after a complete line is not checked for completeness.
+    std::string line;
+    bool ok = true;
+    const char newline = in.widen('\n');
+    while (ok && std::getline(in, line, newline)) {
+        user_data->new_line = true;
+        const int length = boost::numeric_cast<int>(line.size());
+        if (XML_Parse(parser.get(), line.data(), length, in.eof() ? XML_TRUE : XML_FALSE)
+            == XML_STATUS_ERROR) {
+            ok = false;
+        }
+    }
+    return ok;
+}
+
+} // namespace i18n
+} // namespace fl
