@@ -1,0 +1,322 @@
+#include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/operations.hpp>
+
+#include "qvtest/scoped_env.hpp"
+#include "qvtest/scoped_temp_dir.hpp"
+
+#include <boost/date_time/gregorian/gregorian_types.hpp>
+#include <boost/function.hpp>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// qvtest/text.hpp's u16string printer clashes with the one of this GoogleTest version, so only
+// its two conversions are declared here.
+namespace qvtest {
+std::u16string utf8_to_utf16(std::string const& utf8);
+std::string utf16_to_utf8(std::u16string const& utf16);
+} // namespace qvtest
+
+namespace {
+
+namespace fs = fl::filesystem;
+using fl::i18n::ustring;
+using fs::file_status;
+using fs::upath;
+using qvtest::utf8_to_utf16;
+
+ustring u(std::string const& utf8)
+{
+    return utf8_to_utf16(utf8);
+}
+
+boost::posix_time::ptime const epoch(boost::gregorian::date(1970, 1, 1));
+
+boost::posix_time::ptime at(long long seconds_since_epoch)
+{
+    return epoch + boost::posix_time::seconds(static_cast<long>(seconds_since_epoch));
+}
+
+void set_times(std::string const& path, time_t atime, time_t mtime)
+{
+    struct timespec times[2] = {{atime, 0}, {mtime, 0}};
+    ASSERT_EQ(0, ::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW)) << path;
+}
+
+// Runs body in a forked child and returns its exit code; 128 + signal if it died.
+int run_in_child(std::function<int()> const& body)
+{
+    std::fflush(nullptr);
+    pid_t const pid = ::fork();
+    if (pid == 0)
+        ::_exit(body());
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+// In the child: become an ordinary user, since root passes every permission check.
+bool drop_privileges()
+{
+    if (::geteuid() != 0)
+        return true;
+    return ::setgid(65534) == 0 && ::setuid(65534) == 0;
+}
+
+template <class E, class F> bool throws(F f)
+{
+    try {
+        f();
+    } catch (E const&) {
+        return true;
+    } catch (...) { }
+    return false;
+}
+
+class Status : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        file = dir.write_file("file.txt", "0123456789");
+        sub = dir.make_dir("sub");
+        ASSERT_EQ(0, ::symlink(file.c_str(), (dir / "link").c_str()));
+        ASSERT_EQ(0, ::symlink((dir / "nowhere").c_str(), (dir / "dangling").c_str()));
+        ASSERT_EQ(0, ::mkfifo((dir / "fifo").c_str(), 0600));
+    }
+
+    qvtest::scoped_temp_dir dir;
+    std::string file;
+    std::string sub;
+};
+
+TEST_F(Status, ReportsTypeModeSizeAndTimes)
+{
+    ASSERT_EQ(0, ::chmod(file.c_str(), 04751));
+    set_times(file, 1000000000, 1234567890);
+
+    file_status const st = fs::status(upath(u(file)));
+    EXPECT_EQ(file_status::regular_file, st.type);
+    EXPECT_EQ(04751u, st.permissions);
+    EXPECT_EQ(10u, st.size);
+    EXPECT_EQ(at(1000000000), st.access_time);
+    EXPECT_EQ(at(1234567890), st.modification_time);
+    EXPECT_FALSE(st.change_time.is_special());
+
+    EXPECT_EQ(file_status::directory_file, fs::status(u(sub)).type);
+    EXPECT_EQ(file_status::fifo_file, fs::status(u(dir / "fifo")).type);
+    EXPECT_EQ(file_status::character_file, fs::status(u"/dev/null").type);
+}
+
+TEST_F(Status, FollowsLinksUnlessAskedForTheLinkItself)
+{
+    EXPECT_EQ(file_status::regular_file, fs::status(u(dir / "link")).type);
+    EXPECT_EQ(10u, fs::status(u(dir / "link")).size);
+    EXPECT_EQ(file_status::symlink_file, fs::symlink_status(u(dir / "link")).type);
+    EXPECT_EQ(file_status::symlink_file, fs::symlink_status(upath(u(dir / "link"))).type);
+
+    // A dangling link: its target is missing, the link itself is there.
+    EXPECT_EQ(file_status::file_not_found, fs::status(u(dir / "dangling")).type);
+    EXPECT_FALSE(fs::exists(u(dir / "dangling")));
+    EXPECT_EQ(file_status::symlink_file, fs::symlink_status(u(dir / "dangling")).type);
+}
+
+TEST_F(Status, MissingFilesAreAResultNotAFailure)
+{
+    for (file_status const& st :
+        {fs::status(u(dir / "missing")), fs::symlink_status(upath(u(dir / "missing"))), fs::status(ustring()),
+            fs::symlink_status(upath())}) {
+        EXPECT_EQ(file_status::file_not_found, st.type);
+        EXPECT_EQ(file_status::no_perms, st.permissions);
+        EXPECT_TRUE(st.access_time.is_not_a_date_time());
+        EXPECT_TRUE(st.modification_time.is_not_a_date_time());
+        EXPECT_TRUE(st.change_time.is_not_a_date_time());
+        EXPECT_EQ(0u, st.size);
+    }
+    EXPECT_FALSE(fs::exists(u(dir / "missing")));
+    EXPECT_FALSE(fs::exists(ustring()));
+    EXPECT_FALSE(fs::exists(upath()));
+}
+
+TEST_F(Status, AFileUsedAsADirectoryIsAnErrorForStatusButNotForExists)
+{
+    ustring const through_file = u(file + "/x");
+    EXPECT_FALSE(fs::exists(through_file));
+    EXPECT_FALSE(fs::exists(upath(through_file)));
+    EXPECT_THROW(fs::status(through_file), fs::NotDirectoryError);
+    EXPECT_THROW(fs::symlink_status(upath(through_file)), fs::NotDirectoryError);
+    try {
+        fs::status(through_file);
+    } catch (fs::FsysExceptionBase const& e) {
+        // Only SystemError carries a path.
+        EXPECT_TRUE(e.get_path().empty());
+        EXPECT_EQ(0u, e.get_error_number());
+    }
+}
+
+TEST_F(Status, OtherSystemFailuresRaiseEvenFromExists)
+{
+    // A loop of links is neither there nor missing.
+    ASSERT_EQ(0, ::symlink((dir / "loop_b").c_str(), (dir / "loop_a").c_str()));
+    ASSERT_EQ(0, ::symlink((dir / "loop_a").c_str(), (dir / "loop_b").c_str()));
+    try {
+        fs::exists(u(dir / "loop_a"));
+        ADD_FAILURE() << "a link loop answered";
+    } catch (fs::SystemError const& e) {
+        EXPECT_EQ(static_cast<unsigned>(ELOOP), e.get_error_number());
+        EXPECT_EQ(dir / "loop_a", qvtest::utf16_to_utf8(e.get_path()));
+    }
+    try {
+        fs::status(u(dir / "loop_a"));
+        ADD_FAILURE() << "a link loop had a status";
+    } catch (fs::SystemError const& e) {
+        EXPECT_EQ(static_cast<unsigned>(ELOOP), e.get_error_number());
+        EXPECT_TRUE(e.get_path().empty());
+    }
+}
+
+TEST_F(Status, TextFormsAreCleanedButTheExpressFormIsNot)
+{
+    qvtest::scoped_env home("HOME", dir.path());
+    EXPECT_TRUE(fs::exists(u"~/file.txt"));
+    EXPECT_EQ(file_status::regular_file, fs::status(u"~//file.txt").type);
+    EXPECT_EQ(file_status::directory_file, fs::status(u(dir.path() + "//sub///")).type);
+
+    EXPECT_EQ(file_status::file_not_found, fs::status_express_light(u"~/file.txt").type);
+    fs::file_status_light const light = fs::status_express_light(u(file));
+    EXPECT_EQ(file_status::regular_file, light.type);
+    EXPECT_EQ(10u, light.size);
+    EXPECT_FALSE(light.modification_time.is_special());
+}
+
+TEST_F(Status, ExpressStatusOfMissingAndOddNames)
+{
+    for (ustring const& missing : {ustring(), u(dir / "missing")}) {
+        fs::file_status_light const light = fs::status_express_light(missing);
+        EXPECT_EQ(file_status::file_not_found, light.type);
+        EXPECT_TRUE(light.modification_time.is_not_a_date_time());
+        EXPECT_EQ(0u, light.size);
+    }
+    EXPECT_THROW(fs::status_express_light(u(file + "/x")), fs::NotDirectoryError);
+    EXPECT_EQ(file_status::fifo_file, fs::status_express_light(u(dir / "fifo")).type);
+    EXPECT_EQ(file_status::directory_file, fs::status_express_light(u(sub)).type);
+}
+
+TEST_F(Status, NonAsciiNamesReachTheirFiles)
+{
+    std::string const name
+        = dir.write_file("\xc3\xa9t\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac \xf0\x9f\x98\x80.txt", "abc");
+    EXPECT_TRUE(fs::exists(upath(u(name))));
+    EXPECT_EQ(3u, fs::status(u(name)).size);
+    // The same name in another normalisation is another file here.
+    EXPECT_FALSE(fs::exists(u(dir / "e\xcc\x81t\xc3\xa9")));
+}
+
+TEST_F(Status, ANameThatIsNotUtf8CannotBeSpelledInText)
+{
+    std::string const raw = dir.write_file("bad\xff", "x");
+    ASSERT_EQ(0, ::access(raw.c_str(), F_OK));
+    // Read as text the byte becomes U+FFFD, which names a different file.
+    ustring const text = u(dir / "bad") + u"\xFFFD";
+    EXPECT_FALSE(fs::exists(text));
+    EXPECT_EQ(file_status::file_not_found, fs::status(text).type);
+}
+
+TEST_F(Status, TimesAfter2038WrapThrough32BitSeconds)
+{
+    long long const after_2038 = 2208988800LL; // 2040-01-01
+    set_times(file, 2147483647LL, after_2038);
+    file_status const st = fs::status(u(file));
+    EXPECT_EQ(at(2147483647LL), st.access_time);
+    EXPECT_EQ(at(after_2038 - 4294967296LL), st.modification_time);
+    EXPECT_EQ(at(after_2038 - 4294967296LL), fs::status_express_light(u(file)).modification_time);
+
+    set_times(file, 0, -86400);
+    EXPECT_EQ(at(-86400), fs::status(u(file)).modification_time);
+}
+
+int fail_with_einval(struct stat*)
+{
+    errno = EINVAL;
+    return -1;
+}
+
+int fail_with_enoent(struct stat*)
+{
+    errno = ENOENT;
+    return -1;
+}
+
+int fail_with_eacces(struct stat*)
+{
+    errno = EACCES;
+    return -1;
+}
+
+int odd_file_type(struct stat* st)
+{
+    *st = {};
+    st->st_mode = 0xE000 | 0755; // no such type on this platform
+    return 0;
+}
+
+TEST(PerformStatus, TellsItsCallersApartOnInvalidArgument)
+{
+    EXPECT_THROW(fs::posix::perform_status(&fail_with_einval), fs::InvalidArgument);
+    EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status_complete(&fail_with_einval).type);
+
+    EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status(&fail_with_enoent).type);
+    EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status_complete(&fail_with_enoent).type);
+
+    EXPECT_THROW(fs::posix::perform_status_complete(&fail_with_eacces), fs::AccessDenied);
+    EXPECT_THROW(fs::posix::perform_status(boost::function<int(struct stat*)>()), boost::bad_function_call);
+}
+
+TEST(PerformStatus, UnknownFileTypesReadAsUnknown)
+{
+    file_status const st = fs::posix::perform_status(&odd_file_type);
+    EXPECT_EQ(file_status::file_type_unknown, st.type);
+    EXPECT_EQ(0755u, st.permissions);
+}
+
+TEST_F(Status, FileTypeOfThePathItself)
+{
+    EXPECT_EQ(file_status::symlink_file, fs::posix::get_file_type(dir / "dangling"));
+    EXPECT_EQ(file_status::regular_file, fs::posix::get_file_type(file));
+    EXPECT_THROW(fs::posix::get_file_type(dir / "missing"), fs::PathNotFound);
+    EXPECT_THROW(fs::posix::get_file_type(file + "/x"), fs::NotDirectoryError);
+}
+
+TEST_F(Status, ARefusedSearchIsAccessDeniedNotMissing)
+{
+    ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0755));
+    std::string const locked = dir.make_dir("locked");
+    dir.write_file("locked/inner", "x");
+    ASSERT_EQ(0, ::chmod(locked.c_str(), 0700));
+
+    int const code = run_in_child([&] {
+        if (!drop_privileges())
+            return 99;
+        ustring const inner = u(locked + "/inner");
+        if (!throws<fs::AccessDenied>([&] { fs::exists(inner); }))
+            return 1;
+        if (!throws<fs::AccessDenied>([&] { fs::status(upath(inner)); }))
+            return 2;
+        if (!throws<fs::AccessDenied>([&] { fs::status_express_light(inner); }))
+            return 3;
+        // The locked directory itself is visible.
+        if (!fs::exists(u(locked)))
+            return 4;
+        return 0;
+    });
+    EXPECT_EQ(0, code) << "check " << code << " failed in the unprivileged child";
+}
+
+} // namespace
