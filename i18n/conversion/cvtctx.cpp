@@ -14,6 +14,14 @@ bool failed(UErrorCode status)
     return status > U_ZERO_ERROR;
 }
 
+// ICU does not check for a null converter; with none, no call-back can be set.
+UConverter* settable(const std::unique_ptr<UConverter, lcctype::converter_close>& converter)
+{
+    if (!converter)
+        detail::throw_cvt<CvtCallBackSettingFailure>();
+    return converter.get();
+}
+
 } // namespace
 
 CvtCtx::CvtCtx(const std::string& encoding)
@@ -105,7 +113,7 @@ void CvtCtx::enable_escape_mode(codecvt_call_back_mode mode)
         break;
     }
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_ESCAPE_WITH_INVISIBLE_CHARS, option,
+    ucnv_setFromUCallBack(settable(converter), UCNV_FROM_U_CALLBACK_ESCAPE_WITH_INVISIBLE_CHARS, option,
         &saved_from_action, &saved_from_context, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
@@ -117,7 +125,7 @@ void CvtCtx::enable_from_invalid_check()
     if (from_mode == call_back_invalid_check)
         return;
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP_WITH_INVISIBLE_CHARS, nullptr,
+    ucnv_setFromUCallBack(settable(converter), UCNV_FROM_U_CALLBACK_STOP_WITH_INVISIBLE_CHARS, nullptr,
         &saved_from_action, &saved_from_context, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
@@ -130,7 +138,7 @@ void CvtCtx::change_from_substitution(const std::string& substitution)
         detail::throw_cvt<CvtInvalidArgument>();
     const signed char length = lcctype::num_cast<signed char, unsigned long>(substitution.size());
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setSubstChars(converter.get(), substitution.data(), length, &status);
+    ucnv_setSubstChars(settable(converter), substitution.data(), length, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
 }
@@ -140,7 +148,7 @@ void CvtCtx::reset_from_call_back()
     if (from_mode == call_back_default)
         return;
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter.get(), saved_from_action, saved_from_context, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(settable(converter), saved_from_action, saved_from_context, nullptr, nullptr, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
     saved_from_action = nullptr;
@@ -171,7 +179,7 @@ void CvtCtx::enable_to_invalid_check()
         return;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(
-        converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, &saved_to_action, &saved_to_context, &status);
+        settable(converter), UCNV_TO_U_CALLBACK_STOP, nullptr, &saved_to_action, &saved_to_context, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
     to_mode = call_back_invalid_check;
@@ -182,7 +190,7 @@ void CvtCtx::reset_to_call_back()
     if (to_mode == call_back_default)
         return;
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setToUCallBack(converter.get(), saved_to_action, saved_to_context, nullptr, nullptr, &status);
+    ucnv_setToUCallBack(settable(converter), saved_to_action, saved_to_context, nullptr, nullptr, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
     saved_to_action = nullptr;
@@ -192,6 +200,8 @@ void CvtCtx::reset_to_call_back()
 
 std::string& CvtCtx::get_cvt_name(std::string& name) const
 {
+    if (!converter)
+        return name;
     UErrorCode status = U_ZERO_ERROR;
     const char* icu_name = ucnv_getName(converter.get(), &status);
     if (!failed(status) && icu_name)
