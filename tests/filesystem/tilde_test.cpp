@@ -1,0 +1,144 @@
+#include <qvi18n/filesystem/path.hpp>
+
+#include "tests/filesystem/path_test_text.hpp"
+#include <qvtest/scoped_env.hpp>
+
+#include <gtest/gtest.h>
+
+#include <pwd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace fs = fl::filesystem;
+using fl::i18n::ustring;
+using pathtest::u16;
+
+namespace {
+
+std::string passwd_home_of_uid(uid_t uid)
+{
+    char buffer[4096];
+    struct passwd entry;
+    struct passwd* result = nullptr;
+    if (getpwuid_r(uid, &entry, buffer, sizeof buffer, &result) != 0 || !result || !result->pw_dir)
+        return std::string();
+    return result->pw_dir;
+}
+
+std::string passwd_home_of_name(const char* name)
+{
+    char buffer[4096];
+    struct passwd entry;
+    struct passwd* result = nullptr;
+    if (getpwnam_r(name, &entry, buffer, sizeof buffer, &result) != 0 || !result || !result->pw_dir)
+        return std::string();
+    return result->pw_dir;
+}
+
+// A user name that the user database does not know.
+const char* const unknown_user = "qvi18n-no-such-user-7f3a";
+
+} // namespace
+
+TEST(TildeExpansion, CurrentUserFromHome)
+{
+    qvtest::scoped_env home("HOME", "/h/");
+    EXPECT_EQ(fs::posix::replace_home_directory("~"), "/h/");
+    EXPECT_EQ(fs::posix::replace_home_directory("~/"), "/h/");
+    EXPECT_EQ(fs::posix::replace_home_directory("~/x/y"), "/h//x/y");
+    EXPECT_EQ(fs::posix::replace_home_directory("a/~"), "a/~");
+    EXPECT_EQ(fs::posix::replace_home_directory(""), "");
+
+    // Clean-up runs after the replacement, so the home's own trailing separator disappears.
+    EXPECT_EQ(fs::upath(u16("~")).get_path_name(), u16("/h"));
+    EXPECT_EQ(fs::upath(u16("~/")).get_path_name(), u16("/h"));
+    EXPECT_EQ(fs::upath(u16("~/x/y")).get_path_name(), u16("/h/x/y"));
+    EXPECT_EQ(fs::upath(u16("x/~")).get_path_name(), u16("x/~"));
+    EXPECT_EQ(fs::native_path(std::string("~/x")).get_path_name(), "/h/x");
+    EXPECT_EQ(fs::upath(u16("~/x"), false).get_path_name(), u16("~/x"));
+}
+
+TEST(TildeExpansion, NonAsciiHomeSurvivesTheRoundTrip)
+{
+    qvtest::scoped_env home("HOME", "/home/\xc3\xa9l\xc3\xa8ve");
+    EXPECT_EQ(fs::pathname_traits<char16_t>::replace_tilde_with_home_dir(u16(u"~/\u65e5")),
+        u16(u"/home/\u00e9l\u00e8ve/\u65e5"));
+    EXPECT_EQ(fs::pathname_traits<char16_t>::replace_tilde_with_home_dir(u16(u"x\u00e9")), u16(u"x\u00e9"));
+}
+
+TEST(TildeExpansion, EmptyOrUnsetHomeFallsBackToTheUserDatabase)
+{
+    const std::string expected = passwd_home_of_uid(getuid());
+    if (expected.empty())
+        GTEST_SKIP() << "the current user has no entry with a home directory";
+    {
+        qvtest::scoped_env home("HOME", "");
+        EXPECT_EQ(fs::posix::replace_home_directory("~"), expected);
+        EXPECT_EQ(fs::posix::replace_home_directory("~/x"), expected + "/x");
+    }
+    {
+        qvtest::scoped_env home("HOME");
+        EXPECT_EQ(fs::posix::replace_home_directory("~"), expected);
+    }
+}
+
+TEST(TildeExpansion, NamedUser)
+{
+    qvtest::scoped_env home("HOME", "/not/used");
+    const std::string root_home = passwd_home_of_name("root");
+    if (root_home.empty())
+        GTEST_SKIP() << "no root entry in the user database";
+    EXPECT_EQ(fs::posix::replace_home_directory("~root"), root_home);
+    EXPECT_EQ(fs::posix::replace_home_directory("~root/a/b"), root_home + "/a/b");
+}
+
+TEST(TildeExpansion, UnknownUserLeavesTheTextAsWritten)
+{
+    qvtest::scoped_env home("HOME", "/h");
+    const std::string text = std::string("~") + unknown_user + "/x";
+    EXPECT_EQ(fs::posix::replace_home_directory(text), text);
+    const fs::upath path(pathtest::utf8_to_utf16(text));
+    EXPECT_EQ(path.get_path_name(), pathtest::utf8_to_utf16(text));
+    EXPECT_FALSE(path.is_absolute());
+    // Still relative, so it can be appended.
+    fs::upath base(u16("/base"));
+    base /= pathtest::utf8_to_utf16(text);
+    EXPECT_EQ(base.get_path_name(), pathtest::utf8_to_utf16("/base/" + text));
+}
+
+// With no home anywhere, "~/x" gives an empty text while an unknown "~name/x" comes back as
+// written. Needs a user id with no database entry, so it runs in a child that drops to one.
+TEST(TildeExpansion, NoHomeAnywhereGivesAnEmptyPath)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "switching to a user id without an entry needs root";
+    uid_t orphan = 54321;
+    while (!passwd_home_of_uid(orphan).empty() && orphan < 54400)
+        ++orphan;
+
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+        unsetenv("HOME");
+        if (setuid(orphan) != 0)
+            _exit(10);
+        int failures = 0;
+        if (fs::posix::replace_home_directory("~/x") != "")
+            failures |= 1;
+        if (fs::posix::replace_home_directory("~") != "")
+            failures |= 2;
+        if (!fs::upath(u16("~/x")).empty())
+            failures |= 4;
+        const std::string named = std::string("~") + unknown_user + "/x";
+        if (fs::posix::replace_home_directory(named) != named)
+            failures |= 8;
+        _exit(failures);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0) << "bit mask of failed checks in the child";
+}
