@@ -26,7 +26,7 @@ QVI18N_API bool exists(const upath& p);
 QVI18N_API bool exists(const fl::i18n::ustring& p);
 inline bool exists(const char16_t* p)
 {
-    return exists(fl::i18n::ustring(p));
+    return exists(fl::i18n::ustring(p ? p : u""));
 }
 
 // Status of what the path names, following links. A missing file is a result, not a failure.
@@ -34,7 +34,7 @@ QVI18N_API file_status status(const upath& p);
 QVI18N_API file_status status(const fl::i18n::ustring& p);
 inline file_status status(const char16_t* p)
 {
-    return status(fl::i18n::ustring(p));
+    return status(fl::i18n::ustring(p ? p : u""));
 }
 
 // Status of the path itself; a link is reported as a link.
@@ -42,7 +42,7 @@ QVI18N_API file_status symlink_status(const upath& p);
 QVI18N_API file_status symlink_status(const fl::i18n::ustring& p);
 inline file_status symlink_status(const char16_t* p)
 {
-    return symlink_status(fl::i18n::ustring(p));
+    return symlink_status(fl::i18n::ustring(p ? p : u""));
 }
 
 // Type, modification time and size, for scans that have the name in native form already.
@@ -54,7 +54,7 @@ QVI18N_API bool access(const upath& p, unsigned int mode);
 QVI18N_API bool access(const fl::i18n::ustring& p, unsigned int mode);
 inline bool access(const char16_t* p, unsigned int mode)
 {
-    return access(fl::i18n::ustring(p), mode);
+    return access(fl::i18n::ustring(p ? p : u""), mode);
 }
 
 // Sets, adds (perms_add) or removes (perms_remove) mode bits; perms_symlink acts on a link
@@ -63,7 +63,7 @@ QVI18N_API void permissions(const upath& p, unsigned int prms);
 QVI18N_API void permissions(const fl::i18n::ustring& p, unsigned int prms);
 inline void permissions(const char16_t* p, unsigned int prms)
 {
-    permissions(fl::i18n::ustring(p), prms);
+    permissions(fl::i18n::ustring(p ? p : u""), prms);
 }
 
 // Sets the modification time, in whole seconds held in 32 bits; the access time is kept.
@@ -72,7 +72,7 @@ QVI18N_API void last_write_time(const upath& p, const boost::posix_time::ptime& 
 QVI18N_API void last_write_time(const fl::i18n::ustring& p, const boost::posix_time::ptime& t);
 inline void last_write_time(const char16_t* p, const boost::posix_time::ptime& t)
 {
-    last_write_time(fl::i18n::ustring(p), t);
+    last_write_time(fl::i18n::ustring(p ? p : u""), t);
 }
 
 // chdir; false for an empty path, an exception for a refusal.
@@ -80,7 +80,7 @@ QVI18N_API bool change_current_path(const upath& p);
 QVI18N_API bool change_current_path(const fl::i18n::ustring& p);
 inline bool change_current_path(const char16_t* p)
 {
-    return change_current_path(fl::i18n::ustring(p));
+    return change_current_path(fl::i18n::ustring(p ? p : u""));
 }
 
 // base + "/" + p for a relative p, with no resolution of "." or ".."; an empty base means the
@@ -90,7 +90,7 @@ QVI18N_API fl::i18n::ustring absolute(
     const fl::i18n::ustring& p, const fl::i18n::ustring& base = fl::i18n::ustring());
 inline fl::i18n::ustring absolute(const char16_t* p, const fl::i18n::ustring& base = fl::i18n::ustring())
 {
-    return absolute(fl::i18n::ustring(p), base);
+    return absolute(fl::i18n::ustring(p ? p : u""), base);
 }
 
 // The absolute path with links, "." and ".." resolved; the file must exist (PathNotFound).
@@ -99,7 +99,7 @@ QVI18N_API fl::i18n::ustring canonical(
     const fl::i18n::ustring& p, const fl::i18n::ustring& base = fl::i18n::ustring());
 inline fl::i18n::ustring canonical(const char16_t* p, const fl::i18n::ustring& base = fl::i18n::ustring())
 {
-    return canonical(fl::i18n::ustring(p), base);
+    return canonical(fl::i18n::ustring(p ? p : u""), base);
 }
 
 // The target of a symbolic link, as stored in the link.
@@ -107,7 +107,7 @@ QVI18N_API upath read_symlink(const upath& p);
 QVI18N_API fl::i18n::ustring read_symlink(const fl::i18n::ustring& p);
 inline fl::i18n::ustring read_symlink(const char16_t* p)
 {
-    return read_symlink(fl::i18n::ustring(p));
+    return read_symlink(fl::i18n::ustring(p ? p : u""));
 }
 
 // Whether both name the same file. Neither is cleaned. Two empty paths throw InvalidArgument,
@@ -116,7 +116,7 @@ QVI18N_API bool equivalent(const upath& a, const upath& b);
 QVI18N_API bool equivalent(const fl::i18n::ustring& a, const fl::i18n::ustring& b);
 inline bool equivalent(const char16_t* a, const char16_t* b)
 {
-    return equivalent(fl::i18n::ustring(a), fl::i18n::ustring(b));
+    return equivalent(fl::i18n::ustring(a ? a : u""), fl::i18n::ustring(b ? b : u""));
 }
 
 // The working directory. chdir, getcwd and realpath of a relative name share one process-wide

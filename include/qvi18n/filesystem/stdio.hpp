@@ -37,6 +37,26 @@ QVI18N_API std::FILE* freopen(const upath& p, const std::string& mode, std::FILE
 QVI18N_API std::FILE* freopen(
     const upath& p, const std::string& mode, std::FILE* f, const fl::i18n::converter<char, char16_t>& c);
 
+// A literal name is text, and is cleaned.
+inline std::FILE* fopen(const char16_t* p, const std::string& mode)
+{
+    return fopen(fl::i18n::ustring(p ? p : u""), mode);
+}
+inline std::FILE* fopen(
+    const char16_t* p, const std::string& mode, const fl::i18n::converter<char, char16_t>& c)
+{
+    return fopen(fl::i18n::ustring(p ? p : u""), mode, c);
+}
+inline std::FILE* freopen(const char16_t* p, const std::string& mode, std::FILE* f)
+{
+    return freopen(fl::i18n::ustring(p ? p : u""), mode, f);
+}
+inline std::FILE* freopen(
+    const char16_t* p, const std::string& mode, std::FILE* f, const fl::i18n::converter<char, char16_t>& c)
+{
+    return freopen(fl::i18n::ustring(p ? p : u""), mode, f, c);
+}
+
 } // namespace filesystem
 } // namespace fl
 
