@@ -130,7 +130,9 @@ bool ExpatLoader::load_file()
             ok = false;
         }
     }
-    return ok;
+    // A read error (a directory, a failing device) is no end of file: nothing says the document
+    // was read to a line boundary.
+    return ok && !in.bad();
 }
 
 } // namespace i18n
