@@ -12,6 +12,7 @@
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
+#include <qvi18n/i18n/locale/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/date_time.hpp>
 #include <qvi18n/filesystem/file_status.hpp>

@@ -78,8 +78,15 @@ int main(int argc, char** argv)
 
     try {
         lcdata_gen::Database db;
-        db.locales = lcdata_gen::buildLocales(lcdata_gen::readSupportedList(supported));
+        std::vector<lcdata_gen::SupportedEntry> systemList = lcdata_gen::readSupportedList(supported);
         db.encodings = lcdata_gen::buildEncodings();
+        lcdata_gen::KeySpace encodingKeys;
+        for (auto const& enc : db.encodings) {
+            encodingKeys.insert(enc.name);
+            for (auto const& alias : enc.aliases)
+                encodingKeys.insert(alias);
+        }
+        db.locales = lcdata_gen::buildLocales(systemList, encodingKeys);
         checkConsistency(db);
 
         std::string temp = output + ".tmp";

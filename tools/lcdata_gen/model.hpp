@@ -50,7 +50,10 @@ private:
 std::string normalizedCharset(std::string const& charset);
 
 std::vector<SupportedEntry> readSupportedList(std::string const& path);
-std::vector<LocaleRecord> buildLocales(std::vector<SupportedEntry> const& entries);
+// `encodingKeys`: every encoding name and alias of the codeset. A spelling that names a charset
+// outside it is left out, since no locale could be made of it.
+std::vector<LocaleRecord> buildLocales(
+    std::vector<SupportedEntry> const& entries, KeySpace const& encodingKeys);
 std::vector<EncodingRecord> buildEncodings();
 std::string jvmCharsetFor(std::string const& standardName);
 void writeDatabase(std::ostream& out, Database const& db, std::string const& sourceNote);

@@ -113,18 +113,23 @@ struct Group {
 
 class AliasList {
 public:
-    AliasList(KeySpace& keys, LocaleRecord& rec)
+    AliasList(KeySpace& keys, KeySpace const& encodingKeys, LocaleRecord& rec)
         : keys_(keys)
+        , encodingKeys_(encodingKeys)
         , rec_(rec)
     { }
     void add(std::string const& alias)
     {
+        std::string const charset = splitName(alias).codeset;
+        if (!charset.empty() && !encodingKeys_.contains(charset))
+            return;
         if (keys_.insert(alias))
             rec_.aliases.push_back(alias);
     }
 
 private:
     KeySpace& keys_;
+    KeySpace const& encodingKeys_;
     LocaleRecord& rec_;
 };
 
@@ -147,7 +152,8 @@ std::string principalLocale(std::string const& language, std::vector<std::string
 
 } // namespace
 
-std::vector<LocaleRecord> buildLocales(std::vector<SupportedEntry> const& entries)
+std::vector<LocaleRecord> buildLocales(
+    std::vector<SupportedEntry> const& entries, KeySpace const& encodingKeys)
 {
     std::vector<Group> groups;
     std::map<std::string, std::size_t> groupIndex;
@@ -176,7 +182,7 @@ std::vector<LocaleRecord> buildLocales(std::vector<SupportedEntry> const& entrie
     LocaleRecord posix {"en_US_POSIX", "US-ASCII", "C", {}};
     keys.insert(posix.name);
     {
-        AliasList aliases(keys, posix);
+        AliasList aliases(keys, encodingKeys, posix);
         for (char const* a : {"C", "POSIX", "en_US_POSIX.US-ASCII", "C.US-ASCII", "POSIX.US-ASCII"})
             aliases.add(a);
         for (auto const& a : cAliases) {
@@ -217,7 +223,7 @@ std::vector<LocaleRecord> buildLocales(std::vector<SupportedEntry> const& entrie
         if (!keys.insert(rec.name))
             throw std::runtime_error("locale " + rec.name + " is listed twice");
 
-        AliasList aliases(keys, rec);
+        AliasList aliases(keys, encodingKeys, rec);
         aliases.add(rec.xpg_name);
         std::vector<std::string> charsets {"UTF-8"};
         for (auto const& v : g.variants) {
@@ -250,7 +256,7 @@ std::vector<LocaleRecord> buildLocales(std::vector<SupportedEntry> const& entrie
             continue;
         for (auto& rec : out) {
             if (rec.name == target) {
-                AliasList(keys, rec).add(lang);
+                AliasList(keys, encodingKeys, rec).add(lang);
                 break;
             }
         }

@@ -1,0 +1,179 @@
+// The locale database reader: the Expat driver and the exceptions of its family.
+#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+
+#include <qvi18n/filesystem/fstream.hpp>
+
+#include <boost/exception/exception.hpp>
+
+#include <expat.h>
+
+#include <sstream>
+
+namespace fl {
+namespace i18n {
+
+namespace {
+
+// Paths go into exception texts that callers may show: only printable ASCII is kept,
+// anything else becomes its byte value in hexadecimal.
+std::string escapePath(std::string const& path)
+{
+    static char const digits[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(path.size());
+    for (char c : path) {
+        unsigned char byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte <= 0x7E) {
+            out += c;
+        } else {
+            if (byte >= 0x10)
+                out += digits[byte >> 4];
+            out += digits[byte & 0x0F];
+        }
+    }
+    return out;
+}
+
+std::string composeXmlError(int code, unsigned line, unsigned column)
+{
+    std::ostringstream text;
+    text << "XML Parse error detected with " << code << " at column, " << column << ", on line, " << line
+         << " in resource file.";
+    return text.str();
+}
+
+// What the Expat call-backs reach through XML_SetUserData.
+struct ParseState {
+    EventHandler* handler;
+    XML_Parser parser;
+    int result;
+};
+
+void stopOnRefusal(ParseState* state, int result)
+{
+    state->result = result;
+    if (result != 0)
+        XML_StopParser(state->parser, XML_FALSE);
+}
+
+void onXmlDecl(void* data, XML_Char const* version, XML_Char const* encoding, int standalone)
+{
+    auto* state = static_cast<ParseState*>(data);
+    stopOnRefusal(state, state->handler->checkXMLDoc(version, encoding, standalone));
+}
+
+void onStart(void* data, XML_Char const* name, XML_Char const** attributes)
+{
+    auto* state = static_cast<ParseState*>(data);
+    stopOnRefusal(state, state->handler->startEntry(name, attributes));
+}
+
+void onEnd(void* data, XML_Char const* name)
+{
+    auto* state = static_cast<ParseState*>(data);
+    stopOnRefusal(state, state->handler->endEntry(name));
+}
+
+void onText(void* data, XML_Char const* text, int length)
+{
+    auto* state = static_cast<ParseState*>(data);
+    stopOnRefusal(state, state->handler->entryData(text, length));
+}
+
+} // namespace
+
+LcRscOpenFileFailure::LcRscOpenFileFailure(std::string const& path)
+    : QvLcMgmtExceptionBase("fl:i18n:LcRscOpenFileFailure", ("Failed to open file " + path + ".").c_str())
+    , path_(path)
+{ }
+
+LcRscOpenFileFailure::~LcRscOpenFileFailure() = default;
+
+LcRscFileReadFailure::LcRscFileReadFailure(std::string const& path)
+    : QvLcMgmtExceptionBase("fl:i18n:LcRscFileReadFailure", ("Failed to read file " + path + ".").c_str())
+    , path_(path)
+{ }
+
+LcRscFileReadFailure::~LcRscFileReadFailure() = default;
+
+LcRscParserCreationFailure::LcRscParserCreationFailure()
+    : QvLcMgmtExceptionBase("fl:i18n:LcRscParserCreationFailure", "Failed to create XML parser.")
+{ }
+
+LcRscParserCreationFailure::~LcRscParserCreationFailure() = default;
+
+LcRscInvalidXmlDoc::LcRscInvalidXmlDoc(int code, unsigned line, unsigned column, std::string const& text)
+    : QvLcMgmtExceptionBase("fl:i18n:LcRscInvalidXmlDoc", composeXmlError(code, line, column).c_str())
+    , code_(code)
+    , line_(line)
+    , column_(column)
+    , text_(text)
+{ }
+
+LcRscInvalidXmlDoc::~LcRscInvalidXmlDoc() = default;
+
+LcRscInavlidPathName::LcRscInavlidPathName(std::string const& path)
+    : QvLcMgmtExceptionBase("fl:i18n:LcRscInavlidPathName", ("Invalid path name " + path + ".").c_str())
+    , path_(path)
+{ }
+
+LcRscInavlidPathName::~LcRscInavlidPathName() = default;
+
+EventHandler::~EventHandler() = default;
+
+ParserCtx::ParserCtx(std::string const& encoding)
+    : parser_(XML_ParserCreate(encoding.c_str()))
+{ }
+
+ParserCtx::~ParserCtx()
+{
+    if (parser_)
+        XML_ParserFree(parser_);
+}
+
+void parseXmlDocument(EventHandler& handler, fl::filesystem::native_path const& file)
+{
+    std::string const& name = file.get_path_name();
+    fl::filesystem::basic_ifstream<char> in(file);
+    if (!in.is_open())
+        throw boost::enable_current_exception(LcRscOpenFileFailure(escapePath(name)));
+
+    ParserCtx ctx(handler.getEncoding());
+    XML_Parser parser = ctx.get_parser();
+    if (!parser)
+        throw boost::enable_current_exception(LcRscParserCreationFailure());
+
+    ParseState state {&handler, parser, 0};
+    XML_SetUserData(parser, &state);
+    XML_SetXmlDeclHandler(parser, onXmlDecl);
+    XML_SetElementHandler(parser, onStart, onEnd);
+    XML_SetCharacterDataHandler(parser, onText);
+
+    // The database is streamed in small pieces and never held whole.
+    char buffer[1024];
+    for (;;) {
+        in.read(buffer, sizeof buffer);
+        if (in.bad())
+            throw boost::enable_current_exception(LcRscFileReadFailure(escapePath(name)));
+        bool const last = in.eof();
+        if (XML_Parse(parser, buffer, static_cast<int>(in.gcount()), last ? XML_TRUE : XML_FALSE)
+            == XML_STATUS_ERROR) {
+            XML_Error const code = XML_GetErrorCode(parser);
+            XML_LChar const* text = XML_ErrorString(code);
+            throw boost::enable_current_exception(LcRscInvalidXmlDoc(static_cast<int>(code),
+                static_cast<unsigned>(XML_GetCurrentLineNumber(parser)),
+                static_cast<unsigned>(XML_GetCurrentColumnNumber(parser)), text ? text : ""));
+        }
+        if (last)
+            break;
+    }
+}
+
+void parseLcData(LcData& data, fl::filesystem::native_path const& file)
+{
+    LcdbEventHandler handler(data);
+    parseXmlDocument(handler, file);
+}
+
+} // namespace i18n
+} // namespace fl

@@ -1,0 +1,231 @@
+// The nesting check and the handler that turns lcdata.xml into LcData records.
+#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+
+#include <boost/make_shared.hpp>
+
+#include <cstring>
+
+namespace fl {
+namespace i18n {
+
+namespace {
+
+int const kRefuse = -2;
+
+// Element ids of the database; the handler dispatches on them.
+enum ElementId {
+    kLcdata = 1,
+    kLocale = 2,
+    kAlias = 3,
+    kL10n = 4,
+    kCodeset = 5,
+    kEncoding = 6,
+    kEncodingAlias = 7
+};
+
+// The first non-empty value of attribute `name`; an empty value counts as missing.
+char const* attributeValue(char const** attributes, char const* name)
+{
+    if (!attributes)
+        return nullptr;
+    for (char const** a = attributes; a[0]; a += 2) {
+        if (a[1] && a[1][0] != '\0' && std::strcmp(a[0], name) == 0)
+            return a[1];
+    }
+    return nullptr;
+}
+
+void readAttribute(std::string& into, char const** attributes, char const* name)
+{
+    char const* value = attributeValue(attributes, name);
+    if (value)
+        into.assign(value);
+    else
+        into.clear();
+}
+
+bool equalsIgnoringAsciiCase(std::string const& a, char const* b)
+{
+    std::size_t const length = std::strlen(b);
+    if (a.size() != length)
+        return false;
+    for (std::size_t i = 0; i < length; ++i) {
+        unsigned char x = static_cast<unsigned char>(a[i]);
+        unsigned char y = static_cast<unsigned char>(b[i]);
+        if (x >= 'A' && x <= 'Z')
+            x = static_cast<unsigned char>(x - 'A' + 'a');
+        if (y >= 'A' && y <= 'Z')
+            y = static_cast<unsigned char>(y - 'A' + 'a');
+        if (x != y)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void EventValidator::setEventDesc(std::string const& element, int id, std::string const& parent)
+{
+    if (events_.count(element) != 0)
+        return;
+    auto desc = boost::make_shared<EventDesc>();
+    desc->id = id;
+    desc->parent = parent;
+    events_.emplace(element, desc);
+}
+
+int EventValidator::checkStartEvent(std::string const& element)
+{
+    auto found = events_.find(element);
+    if (found == events_.end())
+        return kRefuse;
+    EventDesc const& desc = *found->second;
+    if (stack_.empty()) {
+        stack_.push_back(element);
+        return desc.id;
+    }
+    // An element directly inside one of its own name is taken but not stacked.
+    if (stack_.back() == element)
+        return desc.id;
+    if (desc.parent == stack_.back()) {
+        stack_.push_back(element);
+        return desc.id;
+    }
+    return kRefuse;
+}
+
+int EventValidator::checkEndEvent(std::string const& element)
+{
+    if (stack_.empty() || stack_.back() != element)
+        return kRefuse;
+    stack_.pop_back();
+    return 0;
+}
+
+LcdbEventHandler::LcdbEventHandler(LcData& data)
+    : data_(data)
+    , encoding_("UTF-8")
+{
+    setEventDesc();
+}
+
+LcdbEventHandler::~LcdbEventHandler() = default;
+
+void LcdbEventHandler::setEventDesc()
+{
+    validator_.setEventDesc("lcdata", kLcdata, "");
+    validator_.setEventDesc("locale", kLocale, "lcdata");
+    validator_.setEventDesc("alias", kAlias, "locale");
+    validator_.setEventDesc("l10n", kL10n, "locale");
+    validator_.setEventDesc("codeset", kCodeset, "lcdata");
+    validator_.setEventDesc("encoding", kEncoding, "codeset");
+    validator_.setEventDesc("encoding_alias", kEncodingAlias, "encoding");
+}
+
+int LcdbEventHandler::checkXMLDoc(char const* /*version*/, char const* encoding, int /*standalone*/) const
+{
+    return equalsIgnoringAsciiCase(encoding_, encoding ? encoding : "") ? 0 : kRefuse;
+}
+
+int LcdbEventHandler::startEntry(char const* name, char const** attributes)
+{
+    switch (validator_.checkStartEvent(std::string(name))) {
+    case kLcdata:
+    case kCodeset:
+        return 0;
+    case kLocale:
+        return eventFuncLocale(attributes);
+    case kAlias:
+        return eventFuncAlias(attributes);
+    case kL10n:
+        return eventFuncL10n(attributes);
+    case kEncoding:
+        return eventFuncEncoding(attributes);
+    case kEncodingAlias:
+        return eventFuncEncodingAlias(attributes);
+    default:
+        return kRefuse;
+    }
+}
+
+int LcdbEventHandler::entryData(char const* /*text*/, int /*length*/)
+{
+    return 0;
+}
+
+int LcdbEventHandler::endEntry(char const* name)
+{
+    return validator_.checkEndEvent(std::string(name)) < 0 ? kRefuse : 0;
+}
+
+std::string LcdbEventHandler::getEncoding() const
+{
+    return encoding_;
+}
+
+void LcdbEventHandler::clearDefualtLcCtx()
+{
+    currentLocale_.reset();
+    localeName_.clear();
+    localeEncoding_.clear();
+    localeXpgName_.clear();
+    localeReserved_.clear();
+}
+
+int LcdbEventHandler::eventFuncLocale(char const** attributes)
+{
+    clearDefualtLcCtx();
+    readAttribute(localeName_, attributes, "name");
+    readAttribute(localeEncoding_, attributes, "encoding");
+    readAttribute(localeXpgName_, attributes, "xpg_name");
+    if (localeName_.empty())
+        return kRefuse;
+    currentLocale_ = data_.addLcName(localeName_, localeEncoding_, localeXpgName_);
+    return 0;
+}
+
+// An alias or l10n flag opened as the document's root has no locale to belong to; it is
+// passed over rather than attached to nothing.
+int LcdbEventHandler::eventFuncAlias(char const** attributes)
+{
+    char const* alias = attributeValue(attributes, "name");
+    if (!alias)
+        return kRefuse;
+    if (currentLocale_)
+        data_.addAliasLcName(currentLocale_, alias);
+    return 0;
+}
+
+int LcdbEventHandler::eventFuncL10n(char const** attributes)
+{
+    char const* disable = attributeValue(attributes, "disable");
+    if (!disable)
+        return kRefuse;
+    if (currentLocale_)
+        data_.addL10nFlag(currentLocale_, disable);
+    return 0;
+}
+
+int LcdbEventHandler::eventFuncEncoding(char const** attributes)
+{
+    currentEncoding_.clear();
+    readAttribute(currentEncoding_, attributes, "name");
+    std::string jvmEncoding;
+    readAttribute(jvmEncoding, attributes, "jvm_encoding");
+    if (currentEncoding_.empty())
+        return kRefuse;
+    data_.addEncodingName(currentEncoding_, jvmEncoding);
+    return 0;
+}
+
+int LcdbEventHandler::eventFuncEncodingAlias(char const** attributes)
+{
+    char const* alias = attributeValue(attributes, "name");
+    if (currentEncoding_.empty() || !alias)
+        return kRefuse;
+    data_.addEncodingAlias(alias, currentEncoding_);
+    return 0;
+}
+
+} // namespace i18n
+} // namespace fl

@@ -1,0 +1,181 @@
+#ifndef QVI18N_I18N_LOCALE_LCDATA_XML_HPP
+#define QVI18N_I18N_LOCALE_LCDATA_XML_HPP
+
+#include <qvi18n/config.hpp>
+#include <qvi18n/filesystem/path.hpp>
+#include <qvi18n/i18n/locale/lcdata.hpp>
+#include <qvi18n/i18n/locale/qvlocale.hpp>
+
+#include <boost/noncopyable.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+// Expat's parser handle, without pulling <expat.h> into every includer.
+struct XML_ParserStruct;
+
+namespace fl {
+namespace i18n {
+
+// Failures of the locale database reader. Paths in the texts are escaped: printable ASCII stays,
+// every other byte is written as its value in upper-case hexadecimal.
+
+/// "Failed to open file <path>."
+class QVI18N_API LcRscOpenFileFailure : public QvLcMgmtExceptionBase {
+public:
+    explicit LcRscOpenFileFailure(std::string const& path);
+    ~LcRscOpenFileFailure() override;
+    std::string const& get_path() const noexcept { return path_; }
+
+private:
+    std::string path_;
+};
+
+/// "Failed to read file <path>."
+class QVI18N_API LcRscFileReadFailure : public QvLcMgmtExceptionBase {
+public:
+    explicit LcRscFileReadFailure(std::string const& path);
+    ~LcRscFileReadFailure() override;
+    std::string const& get_path() const noexcept { return path_; }
+
+private:
+    std::string path_;
+};
+
+/// "Failed to create XML parser."
+class QVI18N_API LcRscParserCreationFailure : public QvLcMgmtExceptionBase {
+public:
+    LcRscParserCreationFailure();
+    ~LcRscParserCreationFailure() override;
+};
+
+/// "XML Parse error detected with <code> at column, <column>, on line, <line> in resource file."
+/// `code` is Expat's error code; Expat's text is kept by get_text() but not put in the message.
+class QVI18N_API LcRscInvalidXmlDoc : public QvLcMgmtExceptionBase {
+public:
+    LcRscInvalidXmlDoc(int code, unsigned line, unsigned column, std::string const& text);
+    ~LcRscInvalidXmlDoc() override;
+    int get_code() const noexcept { return code_; }
+    unsigned get_line() const noexcept { return line_; }
+    unsigned get_column() const noexcept { return column_; }
+    std::string const& get_text() const noexcept { return text_; }
+
+private:
+    int code_;
+    unsigned line_;
+    unsigned column_;
+    std::string text_;
+};
+
+/// "Invalid path name <path>.": no path to the database could be formed.
+class QVI18N_API LcRscInavlidPathName : public QvLcMgmtExceptionBase {
+public:
+    explicit LcRscInavlidPathName(std::string const& path);
+    ~LcRscInavlidPathName() override;
+    std::string const& get_path() const noexcept { return path_; }
+
+private:
+    std::string path_;
+};
+
+/// The receiving side of parseXmlDocument. Every operation answers 0 to go on; anything else
+/// stops the parse, which then fails with LcRscInvalidXmlDoc (Expat's "parsing aborted").
+class QVI18N_API EventHandler {
+public:
+    virtual ~EventHandler();
+    /// The XML declaration, if the document has one; `encoding` is null when it names none.
+    virtual int checkXMLDoc(char const* version, char const* encoding, int standalone) const = 0;
+    /// `attributes`: name, value, name, value, ..., null.
+    virtual int startEntry(char const* name, char const** attributes) = 0;
+    /// Character data, not NUL-terminated.
+    virtual int entryData(char const* text, int length) = 0;
+    virtual int endEntry(char const* name) = 0;
+    /// The encoding the parser is created for.
+    virtual std::string getEncoding() const = 0;
+};
+
+/// Owns one Expat parser.
+class QVI18N_API ParserCtx : private boost::noncopyable {
+public:
+    /// XML_ParserCreate(encoding); the handle is null if Expat could not make one.
+    explicit ParserCtx(std::string const& encoding);
+    ~ParserCtx();
+    XML_ParserStruct* get_parser() const noexcept { return parser_; }
+
+private:
+    XML_ParserStruct* parser_;
+};
+
+/// Table-driven nesting check: each known element names the one parent it may appear in.
+/// The first element opened may be any known element. An element opened directly inside one of
+/// the same name is taken without being stacked, so its end tag closes the outer one.
+class QVI18N_API EventValidator {
+public:
+    struct EventDesc {
+        int id;
+        std::string parent;
+    };
+
+    /// Enters a row; a row for an element already entered is kept as it was.
+    void setEventDesc(std::string const& element, int id, std::string const& parent);
+    /// The element's id, or -2 if it is unknown or misplaced.
+    int checkStartEvent(std::string const& element);
+    /// 0, or -2 if `element` is not the one open.
+    int checkEndEvent(std::string const& element);
+
+private:
+    std::map<std::string, boost::shared_ptr<EventDesc>> events_;
+    std::vector<std::string> stack_;
+};
+
+/// Turns the events of lcdata.xml into LcData calls. Records are added as their elements arrive,
+/// so a failed parse leaves in `data` what came before the failure; LcData::clear() drops it.
+class QVI18N_API LcdbEventHandler : public EventHandler {
+public:
+    explicit LcdbEventHandler(LcData& data);
+    ~LcdbEventHandler() override;
+
+    /// Accepts a declaration only if it names "UTF-8" (in any ASCII case).
+    int checkXMLDoc(char const* version, char const* encoding, int standalone) const override;
+    int startEntry(char const* name, char const** attributes) override;
+    int entryData(char const* text, int length) override;
+    int endEntry(char const* name) override;
+    std::string getEncoding() const override;
+
+    /// Forgets the open locale and its attributes.
+    void clearDefualtLcCtx();
+
+    // The element handlers; each returns -2 when its required attribute is missing or empty.
+    int eventFuncLocale(char const** attributes);
+    int eventFuncAlias(char const** attributes);
+    int eventFuncL10n(char const** attributes);
+    int eventFuncEncoding(char const** attributes);
+    int eventFuncEncodingAlias(char const** attributes);
+
+private:
+    void setEventDesc();
+
+    LcData& data_;
+    std::string encoding_;
+    EventValidator validator_;
+    LcData::DefaultLcCtxPtr currentLocale_;
+    std::string localeName_;
+    std::string localeEncoding_;
+    std::string localeXpgName_;
+    std::string localeReserved_;
+    std::string currentEncoding_;
+};
+
+/// Streams `file` through Expat (1,024 bytes at a time) into `handler`. Throws
+/// LcRscOpenFileFailure, LcRscFileReadFailure, LcRscParserCreationFailure or LcRscInvalidXmlDoc.
+QVI18N_API void parseXmlDocument(EventHandler& handler, fl::filesystem::native_path const& file);
+
+/// Reads the locale database `file` into `data`; throws as parseXmlDocument.
+QVI18N_API void parseLcData(LcData& data, fl::filesystem::native_path const& file);
+
+} // namespace i18n
+} // namespace fl
+
+#endif
