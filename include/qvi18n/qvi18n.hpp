@@ -31,4 +31,6 @@
 #include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
 #include <qvi18n/i18n/catalog/expat_loader.hpp>
 
+#include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #endif
