@@ -245,6 +245,9 @@ TEST_F(XmlCatalog, StoreDecodesAndUnescapesOnItsOwn)
     store.addEntry(std::string("n"), std::string("cut\0off", 7));
     EXPECT_EQ(std::u16string(u"tab\there \u00e9"), text("k"));
     EXPECT_EQ(std::u16string(u"cut"), text("n"));
+    // Malformed UTF-8 is replaced, not dropped.
+    store.addEntry("bad", "a\xff");
+    EXPECT_EQ(std::u16string(u"a\ufffd"), text("bad"));
 }
 
 } // namespace
