@@ -7,8 +7,6 @@
 #include <unicode/locid.h>
 #include <unicode/ucnv.h>
 
-#include <algorithm>
-
 namespace fl {
 namespace i18n {
 
@@ -109,15 +107,11 @@ QvLcOptDataCtx::LcOptDataType QvLocaleCtx::getOptDataType(std::string const& nam
     return found->second;
 }
 
-bool QvLocaleCtx::wasPublished(QvLocaleImpl const* locale) const
-{
-    return std::find(published.begin(), published.end(), locale) != published.end();
-}
-
-// A replaced locale that readers may still hold is kept for the life of the process.
+// A replaced locale may still be referenced by a reader of classic(), system() or global(); it costs
+// little to keep it for the life of the process.
 void QvLocaleCtx::replace(std::unique_ptr<QvLocaleImpl>& slot, std::unique_ptr<QvLocaleImpl> locale)
 {
-    if (slot && wasPublished(slot.get())) {
+    if (slot) {
         retired.push_back(std::move(slot));
     }
     slot = std::move(locale);
@@ -144,9 +138,6 @@ bool QvLocaleCtx::setGlobalLocale(QvLocaleImpl const* locale)
         || (locale != classicLocale.get() && locale != systemLocale.get() && locale != currentLocale.get()
             && locale != nonL10nLocale.get())) {
         return false;
-    }
-    if (!wasPublished(locale)) {
-        published.push_back(locale);
     }
     globalLocale.exchange(locale, std::memory_order_acq_rel);
     return true;

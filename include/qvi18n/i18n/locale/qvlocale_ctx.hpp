@@ -85,9 +85,9 @@ public:
     /// The current global locale: one atomic read, no lock.
     QvLocaleImpl const& getGlobalLocale() const { return *globalLocale.load(std::memory_order_acquire); }
 
-    /// Start-up's seams, to be used under the global lock. A replaced locale is freed unless the global
-    /// pointer has ever referred to it; then it is kept for good. setGlobalLocale() only accepts one of
-    /// the four owned locales (or returns false), so every object the pointer ever refers to stays alive.
+    /// Start-up's seams, to be used under the global lock. A replaced locale is never freed (a reader may
+    /// still hold it). setGlobalLocale() only accepts one of the four owned locales (or returns false), so
+    /// every object the global pointer ever refers to stays alive.
     void setSystemLocale(std::unique_ptr<QvLocaleImpl> locale);
     void setCurrentLocale(std::unique_ptr<QvLocaleImpl> locale);
     void setNonL10nLocale(std::unique_ptr<QvLocaleImpl> locale);
@@ -102,7 +102,6 @@ public:
     std::mutex& getStdLocaleMutex() { return stdLocaleMutex; }
 
 private:
-    bool wasPublished(QvLocaleImpl const* locale) const;
     void replace(std::unique_ptr<QvLocaleImpl>& slot, std::unique_ptr<QvLocaleImpl> locale);
 
     bool initialized;
@@ -121,8 +120,7 @@ private:
     std::map<std::string, QvLocale::LcCategory> lcCategoryTbl;
     std::map<QvLocale::LcCategory, std::string> lcCatNameTbl;
     std::map<std::string, QvLcOptDataCtx::LcOptDataType> optDataTypeTbl;
-    // Every locale the global pointer has referred to, and the replaced ones among them, kept alive.
-    std::vector<QvLocaleImpl const*> published;
+    // Replaced locales, kept alive for readers that may still hold them.
     std::vector<std::unique_ptr<QvLocaleImpl>> retired;
 };
 
