@@ -12,34 +12,7 @@ template <typename To, typename From>
 std::basic_string<To> convert_to_string_large_buffer(UConverter* converter, const From* source,
     unsigned long length, typename stream_conversion_function<To, From>::type function)
 {
-    const detail::primitive_step<To, From> step{function};
-    if (length == 0) {
-        ucnv_reset(converter);
-        return std::basic_string<To>();
-    }
-    unsigned long total;
-    if (length <= detail::small_input_bound) {
-        To buffer[detail::stack_scratch_size];
-        total = detail::run_block_loop(converter, buffer, detail::stack_scratch_size, source, length, step);
-        if (total <= detail::stack_scratch_size)
-            return std::basic_string<To>(buffer, total);
-    } else {
-        // The first buffer is the result itself; when it is large enough it only has to be cut to
-        // size, and what it holds beyond the result stays under the first-buffer bound.
-        const unsigned long first = std::min(length, detail::first_buffer_bound);
-        std::basic_string<To> result(first, To());
-        total = detail::run_block_loop(converter, &result[0], first, source, length, step);
-        if (total <= first) {
-            result.resize(total);
-            return result;
-        }
-    }
-    // Too long for the first buffer: convert again into a result of exactly the measured size.
-    std::basic_string<To> result(total, To());
-    const unsigned long written = detail::run_block_loop(converter, &result[0], total, source, length, step);
-    if (written < total)
-        result.resize(written);
-    return result;
+    return detail::convert_whole<To, From>(converter, source, length, detail::primitive_step<To, From>{function});
 }
 
 template QVI18N_API std::string convert_to_string_large_buffer<char, char16_t>(
