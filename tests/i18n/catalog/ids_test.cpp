@@ -189,7 +189,8 @@ TEST(CatalogNameMapping, InternalNameIsTheInverse)
 TEST(ResourceCoreRecords, MessageRecordCarriesHolesInOrder)
 {
     resource_core::BaseCatalogID catalog("fl:i18n");
-    resource_core::BaseMsgID msg(catalog, "QvLcInvLcName");
+    // The same records, reached through the library's namespace.
+    fl::i18n::resource_core::BaseMsgID msg(catalog, "QvLcInvLcName");
     msg.addHole(42LL).addHole(std::string("narrow")).addHole(fl::i18n::ustring(u"wide"));
     EXPECT_EQ("fl:i18n", msg.catalog_name);
     EXPECT_EQ("QvLcInvLcName", msg.key);

@@ -60,4 +60,12 @@ QVI18N_API std::string makeExternalCatalogName(const std::string& internal_name)
 
 } // namespace resource_core
 
+namespace fl {
+namespace i18n {
+// The resource core's records read as fl::i18n::resource_core:: too, the way this library's own
+// code names them.
+namespace resource_core = ::resource_core;
+} // namespace i18n
+} // namespace fl
+
 #endif
