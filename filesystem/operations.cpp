@@ -29,15 +29,41 @@ std::string native_bytes(const ustring& p)
     return detail::make_native_access_form_with_cleanup(p);
 }
 
-file_status status_of(const std::string& bytes)
+// The UTF-8 of a native text for the frequent queries. A name that fits is converted straight
+// onto the stack, so that asking about a short name costs one conversion and no allocation
+// next to the system call.
+class native_name {
+public:
+    explicit native_name(const ustring& native_text)
+    {
+        unsigned long const needed
+            = detail::conversion_to_utf8(stack_, sizeof stack_ - 1, native_text.data(), native_text.size());
+        if (needed < sizeof stack_) {
+            stack_[needed] = '\0';
+            name_ = stack_;
+        } else {
+            heap_ = detail::make_native_access_form(native_text);
+            name_ = heap_.c_str();
+        }
+    }
+    native_name(const native_name&) = delete;
+    native_name& operator=(const native_name&) = delete;
+
+    const char* c_str() const { return name_; }
+
+private:
+    char stack_[1024];
+    std::string heap_;
+    const char* name_;
+};
+
+file_status status_of(const char* name)
 {
-    char const* const name = bytes.c_str();
     return posix::perform_status([name](struct stat* st) { return ::stat(name, st); });
 }
 
-file_status symlink_status_of(const std::string& bytes)
+file_status symlink_status_of(const char* name)
 {
-    char const* const name = bytes.c_str();
     return posix::perform_status([name](struct stat* st) { return ::lstat(name, st); });
 }
 
@@ -83,32 +109,33 @@ bool equivalent_bytes(const std::string& a, const std::string& b)
 
 bool exists(const upath& p)
 {
-    return !p.empty() && posix::exists(native_bytes(p));
+    return !p.empty() && posix::exists(native_name(p.get_path_name()).c_str());
 }
 
 bool exists(const ustring& p)
 {
-    return !p.empty() && posix::exists(native_bytes(p));
+    return !p.empty() && posix::exists(native_name(detail::make_native_form(p, true)).c_str());
 }
 
 file_status status(const upath& p)
 {
-    return p.empty() ? file_status() : status_of(native_bytes(p));
+    return p.empty() ? file_status() : status_of(native_name(p.get_path_name()).c_str());
 }
 
 file_status status(const ustring& p)
 {
-    return p.empty() ? file_status() : status_of(native_bytes(p));
+    return p.empty() ? file_status() : status_of(native_name(detail::make_native_form(p, true)).c_str());
 }
 
 file_status symlink_status(const upath& p)
 {
-    return p.empty() ? file_status() : symlink_status_of(native_bytes(p));
+    return p.empty() ? file_status() : symlink_status_of(native_name(p.get_path_name()).c_str());
 }
 
 file_status symlink_status(const ustring& p)
 {
-    return p.empty() ? file_status() : symlink_status_of(native_bytes(p));
+    return p.empty() ? file_status()
+                     : symlink_status_of(native_name(detail::make_native_form(p, true)).c_str());
 }
 
 file_status_light status_express_light(const ustring& p)

@@ -96,10 +96,10 @@ boost::posix_time::ptime file_time_to_ptime(std::time_t seconds)
     return epoch + boost::posix_time::microseconds(static_cast<std::int64_t>(wrapped) * 1000000);
 }
 
-bool exists(const std::string& path)
+bool exists(const char* path)
 {
     struct stat st;
-    if (::stat(path.c_str(), &st) == 0)
+    if (::stat(path, &st) == 0)
         return true;
     int const error = errno;
     if (error == ENOENT || error == ENOTDIR)

@@ -16,7 +16,7 @@ namespace filesystem {
 namespace posix {
 
 // stat: true if it succeeds, false for ENOENT and ENOTDIR, an exception otherwise.
-bool exists(const std::string& path);
+bool exists(const char* path);
 
 // A file time as a ptime. The seconds go through 32 signed bits first, as the file times of
 // the library's callers always have, so times after 2038 wrap.
