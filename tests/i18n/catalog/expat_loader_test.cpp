@@ -22,13 +22,6 @@ inline std::u16string w(const std::string& s)
     return std::u16string(u.getBuffer(), static_cast<std::size_t>(u.length()));
 }
 
-inline std::string n(const std::u16string& s)
-{
-    std::string out;
-    icu::UnicodeString(s.data(), static_cast<int32_t>(s.size())).toUTF8String(out);
-    return out;
-}
-
 using fl::filesystem::upath;
 using fl::i18n::ExpatEventHandler;
 using fl::i18n::ExpatLoader;
@@ -106,30 +99,6 @@ TEST(ExpatLoaderTest, ARefusingHandlerStopsTheParseForGood)
     EXPECT_EQ(1u, rec->runs.size());
 }
 
-TEST(ExpatLoaderTest, TheHandlersEncodingOverridesTheDocuments)
-{
-    qvtest::scoped_temp_dir dir;
-    const std::string file
-        = dir.write_file("a.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r>caf\xe9</r>\n");
-    boost::shared_ptr<Recorder> rec = boost::make_shared<Recorder>("ISO-8859-1");
-    ExpatLoader loader(path_of(file), rec);
-    ASSERT_TRUE(loader.load_file());
-    ASSERT_EQ(1u, rec->runs.size());
-    EXPECT_EQ("caf\xc3\xa9", rec->runs[0].first);
-}
-
-TEST(ExpatLoaderTest, UnopenableFilesFailWithoutEvents)
-{
-    qvtest::scoped_temp_dir dir;
-    boost::shared_ptr<Recorder> rec = boost::make_shared<Recorder>();
-    ExpatLoader missing(path_of(dir / "none.xml"), rec);
-    EXPECT_FALSE(missing.load_file());
-    ExpatLoader directory(path_of(dir.path()), rec);
-    EXPECT_FALSE(directory.load_file());
-    EXPECT_TRUE(rec->events.empty());
-    EXPECT_TRUE(rec->runs.empty());
-}
-
 class CountingStore : public fl::i18n::MessageCatalogDataStore {
 public:
     void addEntry(const std::string& key, const std::string& value) override
@@ -172,15 +141,6 @@ TEST(CatalogHandlerTest, StatesFollowTheElements)
     EXPECT_FALSE(h.elementStart("rsccat", none));
     EXPECT_EQ(MessageCatalogExpatEventHandler::in_category, h.getState());
     EXPECT_FALSE(h.parseOk());
-}
-
-TEST(CatalogHandlerTest, DanglingRootAttributeFails)
-{
-    CountingStore store;
-    MessageCatalogExpatEventHandler h(&store);
-    const char* dangling[] = {"locale", nullptr};
-    EXPECT_FALSE(h.processCatTag(dangling));
-    EXPECT_EQ(MessageCatalogExpatEventHandler::in_category, h.getState());
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 
 #include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
-#include <unicode/unistr.h>
 
 #include <string>
 
@@ -81,23 +80,6 @@ TEST(CatalogIDTest, ExceptionTextAndCrossThreadForm)
         boost::exception_ptr carried = boost::current_exception();
         EXPECT_THROW(boost::rethrow_exception(carried), CatalogID::badCatalogIDException);
     }
-}
-
-TEST(CatalogIDTest, ExtractIDComponentsSplitsWithoutValidating)
-{
-    std::string component = "old";
-    std::string rest = "old";
-    EXPECT_FALSE(CatalogID::extractIDComponents("nocolon", component, rest));
-    EXPECT_EQ("old", component);
-    EXPECT_EQ("old", rest);
-
-    EXPECT_TRUE(CatalogID::extractIDComponents("1$:x:y", component, rest));
-    EXPECT_EQ("1$", component);
-    EXPECT_EQ("x:y", rest);
-
-    EXPECT_FALSE(CatalogID::extractIDComponents(":x", component, rest));
-    EXPECT_EQ("", component);
-    EXPECT_EQ("x", rest);
 }
 
 TEST(MessageIDTest, SplitsAtTheLastColon)
@@ -184,18 +166,4 @@ TEST(CatalogNameMapping, InternalNameIsTheInverse)
     for (const char* external : {"ZORBEL", "fl:i18n", "a:b:c"}) {
         EXPECT_EQ(external, makeExternalCatalogName(makeInternalCatalogName(external))) << external;
     }
-}
-
-TEST(ResourceCoreRecords, MessageRecordCarriesHolesInOrder)
-{
-    resource_core::BaseCatalogID catalog("fl:i18n");
-    // The same records, reached through the library's namespace.
-    fl::i18n::resource_core::BaseMsgID msg(catalog, "QvLcInvLcName");
-    msg.addHole(42LL).addHole(std::string("narrow")).addHole(fl::i18n::ustring(u"wide"));
-    EXPECT_EQ("fl:i18n", msg.catalog_name);
-    EXPECT_EQ("QvLcInvLcName", msg.key);
-    ASSERT_EQ(3u, msg.holes.size());
-    EXPECT_EQ(42LL, boost::get<long long>(msg.holes[0]));
-    EXPECT_EQ("narrow", boost::get<std::string>(msg.holes[1]));
-    EXPECT_EQ(std::u16string(u"wide"), boost::get<fl::i18n::ustring>(msg.holes[2]));
 }
