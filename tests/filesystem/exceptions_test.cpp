@@ -1,9 +1,17 @@
 #include <qvi18n/filesystem/exceptions.hpp>
 
+#include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/path.hpp>
+
 #include "tests/filesystem/path_test_text.hpp"
+#include <qvtest/scoped_temp_dir.hpp>
 
 #include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <functional>
@@ -211,5 +219,42 @@ TEST(FsysExceptionToErrno, PassesOnWhatItHasNoErrnoFor)
         ADD_FAILURE() << "swallowed";
     } catch (const fs::FileIsDirectory& e) {
         EXPECT_EQ(e.get_id(), fs::fsys_file_is_directory);
+    }
+}
+
+namespace {
+
+// Issues open() on the bytes of a path, as the file operations do, and dispatches its errno.
+void open_or_dispatch(const fs::upath& path)
+{
+    const std::string bytes = fs::detail::make_native_access_form(path);
+    const int fd = ::open(bytes.c_str(), O_RDONLY);
+    if (fd >= 0) {
+        ::close(fd);
+        return;
+    }
+    fs::posix::exception_dispatcher(errno, bytes, std::string());
+}
+
+} // namespace
+
+TEST(FsysDispatcher, RealSystemCallFailuresOnUnicodeNames)
+{
+    qvtest::scoped_temp_dir dir("qvi18n-fsys");
+    dir.write_file("\xc3\xa9t\xc3\xa9.txt", "x");
+    const fs::upath base(pathtest::utf8_to_utf16(dir.path()));
+
+    EXPECT_NO_THROW(open_or_dispatch(base / u16(u"\u00e9t\u00e9.txt")));
+    EXPECT_THROW(open_or_dispatch(base / u16(u"\u65e5\u672c")), fs::PathNotFound);
+    EXPECT_THROW(open_or_dispatch(base / u16(u"\u00e9t\u00e9.txt/below")), fs::NotDirectoryError);
+
+    // A symbolic-link loop has no class of its own: SystemError keeps the path and errno.
+    ASSERT_EQ(::symlink("loop", (dir / "loop").c_str()), 0);
+    try {
+        open_or_dispatch(base / u16(u"loop"));
+        ADD_FAILURE() << "opened a link loop";
+    } catch (const fs::SystemError& e) {
+        EXPECT_EQ(e.get_error_number(), static_cast<unsigned int>(ELOOP));
+        EXPECT_EQ(e.get_path(), pathtest::utf8_to_utf16(dir / "loop"));
     }
 }
