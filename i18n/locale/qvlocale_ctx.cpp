@@ -143,13 +143,13 @@ bool QvLocaleCtx::setGlobalLocale(QvLocaleImpl const* locale)
     return true;
 }
 
-QvLocaleCtx* QvLcCtxSingleton::m_instance = nullptr;
+std::atomic<QvLocaleCtx*> QvLcCtxSingleton::m_instance(nullptr);
 boost::once_flag QvLcCtxSingleton::m_once = BOOST_ONCE_INIT;
 
 QvLocaleCtx& QvLcCtxSingleton::getInstance()
 {
     boost::call_once(m_once, &QvLcCtxSingleton::init);
-    return *m_instance;
+    return *m_instance.load(std::memory_order_acquire);
 }
 
 // If the built-in state cannot be set up, the once region rolls back and the next caller tries again.
@@ -157,7 +157,7 @@ void QvLcCtxSingleton::init()
 {
     std::unique_ptr<QvLocaleCtx> ctx(new QvLocaleCtx());
     ctx->initDefaultCtx();
-    m_instance = ctx.release();
+    m_instance.store(ctx.release(), std::memory_order_release);
 }
 
 template class QvLcGenericSingleton<boost::mutex>;

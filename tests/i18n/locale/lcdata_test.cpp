@@ -75,7 +75,7 @@ TEST(LcDataKeys, MissesAreOrdinaryResults)
 TEST(LcDataL10nFlag, OnlyThisPlatformsLetterDisablesAndTheLastListDecides)
 {
     LcData data;
-    EXPECT_EQ("I", data.get_platform_tag());
+    EXPECT_EQ("I", data.getPlatformTag());
     LcData::DefaultLcCtxPtr ja = data.addLcName("ja_JP", "EUC-JP", "ja_JP.eucJP");
     EXPECT_TRUE(ja->l10n);
 
@@ -122,7 +122,7 @@ TEST(LcDataEncodings, AliasesCanonicalNamesAndFirstDefinitionWins)
     data.clear();
     EXPECT_FALSE(data.checkEncoding("UTF-8"));
     EXPECT_EQ("UTF-8", data.getJvmEncoding("UTF-8"));
-    EXPECT_EQ("I", data.get_platform_tag());
+    EXPECT_EQ("I", data.getPlatformTag());
 }
 
 TEST(LcDataEncodings, AliasReachesTheJvmNameOnlyThroughALowerCaseCanonicalName)
@@ -158,18 +158,6 @@ TEST(LcDataClear, DropsEverythingReadSoFar)
     LcData::DefaultLcCtxPtr again = data.addLcName("de_DE", "UTF-8", "");
     EXPECT_NE(de, again);
     EXPECT_EQ("UTF-8", data.getDefaultEncoding("de_DE"));
-}
-
-TEST(LcDataConstants, BuiltInLocale)
-{
-    EXPECT_EQ("C", LcData::get_c_locale());
-    EXPECT_EQ("en_US_POSIX", LcData::get_posix_locale_short());
-    EXPECT_EQ("en_US_POSIX.US-ASCII", LcData::get_posix_locale());
-    EXPECT_EQ("en_US", LcData::get_default_locale_short());
-    EXPECT_EQ("en", LcData::get_default_language());
-    EXPECT_EQ("US", LcData::get_default_territory());
-    EXPECT_EQ("US-ASCII", LcData::get_default_codeset());
-    EXPECT_EQ("lcdata.xml", LcData::get_lcdata_file_name());
 }
 
 } // namespace

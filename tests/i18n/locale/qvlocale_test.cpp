@@ -61,9 +61,9 @@ TEST(BuiltInState, GlobalIsTheClassicLocaleBeforeAnyStartUp)
     auto& ctx = fl::i18n::get_qvlocale_context();
     EXPECT_EQ(2, ctx.getLcStatus().status);
     EXPECT_FALSE(ctx.getLcStatus().exception);
-    EXPECT_FALSE(ctx.isInitialized());
-    EXPECT_TRUE(ctx.isL10nEnabled());
-    EXPECT_FALSE(ctx.isLocaleLocked());
+    EXPECT_FALSE(ctx.getInitialized());
+    EXPECT_TRUE(ctx.getL10nEnabled());
+    EXPECT_FALSE(ctx.getLocaleLocked());
 
 #if !U_CHARSET_IS_UTF8
     EXPECT_STREQ("US-ASCII", ucnv_getDefaultName());

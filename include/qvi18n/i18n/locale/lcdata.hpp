@@ -81,7 +81,7 @@ public:
     /// encoding table as spelled, unfolded: only lower-case canonical names reach their JVM name that way.
     std::string const& getJvmEncoding(std::string const& name) const;
 
-    std::string const& get_platform_tag() const { return platformTag_; }
+    std::string const& getPlatformTag() const { return platformTag_; }
 
     // The built-in locale's constants.
     static std::string get_c_locale();

@@ -93,11 +93,11 @@ public:
     void setNonL10nLocale(std::unique_ptr<QvLocaleImpl> locale);
     bool setGlobalLocale(QvLocaleImpl const* locale);
 
-    bool isInitialized() const { return initialized; }
+    bool getInitialized() const { return initialized; }
     void setInitialized() { initialized = true; }
-    bool isL10nEnabled() const { return l10nEnabled; }
+    bool getL10nEnabled() const { return l10nEnabled; }
     void clearL10nEnabled() { l10nEnabled = false; }
-    bool isLocaleLocked() const { return localeLocked; }
+    bool getLocaleLocked() const { return localeLocked; }
     void setLocaleLocked() { localeLocked = true; }
     std::mutex& getStdLocaleMutex() { return stdLocaleMutex; }
 
@@ -133,7 +133,8 @@ public:
 private:
     static void init();
 
-    static QvLocaleCtx* m_instance;
+    // Atomic beside the once flag so that every reader visibly synchronises with the one writer.
+    static std::atomic<QvLocaleCtx*> m_instance;
     static boost::once_flag m_once;
 };
 
@@ -143,17 +144,17 @@ public:
     static T& getInstance()
     {
         boost::call_once(flg_, &QvLcGenericSingleton::init);
-        return *instance;
+        return *instance.load(std::memory_order_acquire);
     }
 
 private:
-    static void init() { instance = new T(); }
+    static void init() { instance.store(new T(), std::memory_order_release); }
 
-    static T* instance;
+    static std::atomic<T*> instance;
     static boost::once_flag flg_;
 };
 
-template <typename T> T* QvLcGenericSingleton<T>::instance = nullptr;
+template <typename T> std::atomic<T*> QvLcGenericSingleton<T>::instance(nullptr);
 template <typename T> boost::once_flag QvLcGenericSingleton<T>::flg_ = BOOST_ONCE_INIT;
 
 // One global lock for the whole process: the instantiation lives in the library only.
