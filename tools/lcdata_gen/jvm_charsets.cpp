@@ -1,4 +1,4 @@
-// What a JVM calls our encodings: the canonical charset names of a standard Java runtime, keyed
+// What a JVM calls our encodings: the canonical charset names a standard JVM reports, keyed
 // by the standard name the database uses. Encodings missing here have no JVM counterpart.
 #include "model.hpp"
 

@@ -51,11 +51,11 @@ public:
 
     std::vector<Locale> locales;
     std::vector<Encoding> encodings;
-    std::string declaredEncoding;
+    mutable std::string declaredEncoding; // the declaration check is const
 
     int checkXMLDoc(char const*, char const* encoding, int) const override
     {
-        const_cast<Collector*>(this)->declaredEncoding = encoding ? encoding : "";
+        declaredEncoding = encoding ? encoding : "";
         return 0;
     }
     int startEntry(char const* name, char const** attributes) override
@@ -206,7 +206,7 @@ TEST_F(ShippedDatabase, EveryLocaleResolvesAndEveryDefaultEncodingIsAccepted)
     std::set<std::string> checked;
     std::vector<std::string> refused;
     for (auto const& l : collected_->locales) {
-        std::vector<std::string> names{l.name};
+        std::vector<std::string> names {l.name};
         names.insert(names.end(), l.aliases.begin(), l.aliases.end());
         for (std::string const& name : names) {
             boost::shared_ptr<fl::i18n::QvLocale const> created;
