@@ -26,8 +26,11 @@ namespace {
 const char* const kind_names[] = {"ascii", "european", "japanese"};
 const char* const samples[] = {
     "The quick brown fox jumps over the lazy dog, 0123456789. ",
-    "Gr\xC3\xB6\xC3\x9F" "e, caf\xC3\xA9, na\xC3\xAFve fa\xC3\xA7" "ade, \xC3\x86r\xC3\xB8, S\xC3\xB8ren, \xC3\xA0 la fen\xC3\xAAtre. ",
-    "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88\xE3\x82\x92"
+    "Gr\xC3\xB6\xC3\x9F"
+    "e, caf\xC3\xA9, na\xC3\xAFve fa\xC3\xA7"
+    "ade, \xC3\x86r\xC3\xB8, S\xC3\xB8ren, \xC3\xA0 la fen\xC3\xAAtre. ",
+    "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88\xE3\x82"
+    "\x92"
     "\xE5\xA4\x89\xE6\x8F\x9B\xE3\x81\x97\xE3\x81\xBE\xE3\x81\x99\xE3\x80\x82",
 };
 
@@ -75,7 +78,8 @@ void use_utf8_global_locale()
     fl::i18n::QvLocaleCtx& ctx = fl::i18n::get_qvlocale_context();
     ctx.getLcData().addLcName("en_US", "UTF-8", "en_US.UTF-8");
     ctx.getLcData().addEncodingName("UTF-8", "UTF8");
-    ctx.setCurrentLocale(std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
+    ctx.setCurrentLocale(
+        std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
     if (!ctx.setGlobalLocale(&ctx.getCurrentLocale()) || fl::i18n::QvLocale::global().encoding() != "UTF-8")
         std::abort();
 }
@@ -86,15 +90,16 @@ ustring icu_to_units(UConverter* c, const std::string& bytes)
 {
     UErrorCode status = U_ZERO_ERROR;
     ustring out(bytes.size(), u'\0'); // a UTF-8 byte never yields more than one unit
-    const int32_t n = ucnv_toUChars(
-        c, &out[0], static_cast<int32_t>(out.size()), bytes.data(), static_cast<int32_t>(bytes.size()), &status);
+    const int32_t n = ucnv_toUChars(c, &out[0], static_cast<int32_t>(out.size()), bytes.data(),
+        static_cast<int32_t>(bytes.size()), &status);
     out.resize(static_cast<std::size_t>(n));
     return out;
 }
 
 void BM_ToUstring_IcuReused(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     UConverter* c = open_utf8();
     for (auto _ : state)
         benchmark::DoNotOptimize(icu_to_units(c, bytes));
@@ -105,7 +110,8 @@ void BM_ToUstring_IcuReused(benchmark::State& state)
 
 void BM_ToUstring_IcuPreflight(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     UConverter* c = open_utf8();
     for (auto _ : state) {
         UErrorCode status = U_ZERO_ERROR;
@@ -123,7 +129,8 @@ void BM_ToUstring_IcuPreflight(benchmark::State& state)
 
 void BM_ToUstring_IcuClone(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     UConverter* master = open_utf8();
     for (auto _ : state) {
         UErrorCode status = U_ZERO_ERROR;
@@ -139,7 +146,8 @@ void BM_ToUstring_IcuClone(benchmark::State& state)
 void BM_ToUstring_Default(benchmark::State& state)
 {
     use_utf8_global_locale();
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     if (fl::i18n::to_ustring(bytes) != to_units(bytes))
         state.SkipWithError("the default path is not on UTF-8");
     for (auto _ : state)
@@ -150,7 +158,8 @@ void BM_ToUstring_Default(benchmark::State& state)
 
 void BM_ToUstring_Codecvt(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const fl::i18n::codecvt_string_to_ustring cvt("UTF-8", true);
     for (auto _ : state)
         benchmark::DoNotOptimize(cvt.convert(bytes.data(), bytes.size()));
@@ -164,15 +173,16 @@ std::string icu_to_bytes(UConverter* c, const ustring& text)
 {
     UErrorCode status = U_ZERO_ERROR;
     std::string out(3 * text.size(), '\0'); // a UTF-16 unit never yields more than three bytes
-    const int32_t n = ucnv_fromUChars(
-        c, &out[0], static_cast<int32_t>(out.size()), text.data(), static_cast<int32_t>(text.size()), &status);
+    const int32_t n = ucnv_fromUChars(c, &out[0], static_cast<int32_t>(out.size()), text.data(),
+        static_cast<int32_t>(text.size()), &status);
     out.resize(static_cast<std::size_t>(n));
     return out;
 }
 
 void BM_ToString_IcuReused(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const ustring text = to_units(bytes);
     UConverter* c = open_utf8();
     for (auto _ : state)
@@ -184,12 +194,14 @@ void BM_ToString_IcuReused(benchmark::State& state)
 
 void BM_ToString_IcuPreflight(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const ustring text = to_units(bytes);
     UConverter* c = open_utf8();
     for (auto _ : state) {
         UErrorCode status = U_ZERO_ERROR;
-        const int32_t n = ucnv_fromUChars(c, nullptr, 0, text.data(), static_cast<int32_t>(text.size()), &status);
+        const int32_t n
+            = ucnv_fromUChars(c, nullptr, 0, text.data(), static_cast<int32_t>(text.size()), &status);
         std::string out(static_cast<std::size_t>(n), '\0');
         status = U_ZERO_ERROR;
         ucnv_fromUChars(c, &out[0], n, text.data(), static_cast<int32_t>(text.size()), &status);
@@ -202,7 +214,8 @@ void BM_ToString_IcuPreflight(benchmark::State& state)
 
 void BM_ToString_IcuClone(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const ustring text = to_units(bytes);
     UConverter* master = open_utf8();
     for (auto _ : state) {
@@ -219,7 +232,8 @@ void BM_ToString_IcuClone(benchmark::State& state)
 void BM_ToString_Default(benchmark::State& state)
 {
     use_utf8_global_locale();
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const ustring text = to_units(bytes);
     if (fl::i18n::to_string(text) != bytes)
         state.SkipWithError("the default path is not on UTF-8");
@@ -231,7 +245,8 @@ void BM_ToString_Default(benchmark::State& state)
 
 void BM_ToString_Codecvt(benchmark::State& state)
 {
-    const std::string bytes = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
     const ustring text = to_units(bytes);
     const fl::i18n::codecvt_ustring_to_string cvt("UTF-8", true);
     for (auto _ : state)

@@ -31,11 +31,9 @@ constexpr unsigned long target_block_to_utf16 = 0x10000UL;
 constexpr unsigned long target_block_utf8 = 0x20000UL;
 constexpr unsigned long target_block_chars = 32768UL;
 
-template <typename To, typename From>
-struct block_direction;
+template <typename To, typename From> struct block_direction;
 
-template <>
-struct block_direction<char, char16_t> {
+template <> struct block_direction<char, char16_t> {
     static constexpr unsigned long source_block = source_block_to_bytes;
     // The smallest block any converter gets; a target no larger needs no look at the converter.
     static constexpr unsigned long least_target_block = target_block_chars;
@@ -43,7 +41,8 @@ struct block_direction<char, char16_t> {
     {
         if (ucnv_getType(converter) == UCNV_UTF8)
             return target_block_utf8;
-        return lcctype::num_cast<unsigned long, signed char>(static_cast<signed char>(ucnv_getMaxCharSize(converter)))
+        return lcctype::num_cast<unsigned long, signed char>(
+                   static_cast<signed char>(ucnv_getMaxCharSize(converter)))
             * target_block_chars;
     }
     static void call(UConverter* converter, char** target, const char* target_limit, const char16_t** source,
@@ -53,13 +52,12 @@ struct block_direction<char, char16_t> {
     }
 };
 
-template <>
-struct block_direction<char16_t, char> {
+template <> struct block_direction<char16_t, char> {
     static constexpr unsigned long source_block = source_block_to_utf16;
     static constexpr unsigned long least_target_block = target_block_to_utf16;
     static unsigned long target_block(UConverter*) { return target_block_to_utf16; }
-    static void call(UConverter* converter, char16_t** target, const char16_t* target_limit, const char** source,
-        const char* source_limit, UErrorCode* status)
+    static void call(UConverter* converter, char16_t** target, const char16_t* target_limit,
+        const char** source, const char* source_limit, UErrorCode* status)
     {
         ucnv_toUnicode(converter, target, target_limit, source, source_limit, nullptr, false, status);
     }
@@ -76,11 +74,11 @@ struct reset_guard {
 // the whole result. `step(converter, &target, limit, &source, limit, status)` makes one ICU call and
 // returns the units it wrote.
 template <typename To, typename From, typename Step>
-unsigned long run_block_loop(
-    UConverter* converter, To* target, unsigned long capacity, const From* source, unsigned long length, Step step)
+unsigned long run_block_loop(UConverter* converter, To* target, unsigned long capacity, const From* source,
+    unsigned long length, Step step)
 {
     typedef block_direction<To, From> direction;
-    reset_guard guard{converter};
+    reset_guard guard {converter};
     if (length == 0)
         return 0;
 
@@ -91,8 +89,9 @@ unsigned long run_block_loop(
         cursor = scratch;
         end = scratch + stack_scratch_size;
     }
-    const unsigned long target_block
-        = capacity <= direction::least_target_block ? direction::least_target_block : direction::target_block(converter);
+    const unsigned long target_block = capacity <= direction::least_target_block
+        ? direction::least_target_block
+        : direction::target_block(converter);
     const From* from = source;
     const From* const from_end = source + length;
     unsigned long total = 0;
@@ -100,7 +99,8 @@ unsigned long run_block_loop(
         const unsigned long room = static_cast<unsigned long>(end - cursor);
         const To* const limit = room > target_block ? cursor + target_block : end;
         const unsigned long left = static_cast<unsigned long>(from_end - from);
-        const From* const from_limit = left > direction::source_block ? from + direction::source_block : from_end;
+        const From* const from_limit
+            = left > direction::source_block ? from + direction::source_block : from_end;
 
         UErrorCode status = U_ZERO_ERROR;
         total += step(converter, &cursor, limit, &from, from_limit, status);
@@ -125,10 +125,11 @@ unsigned long run_block_loop(
 // beyond the result stays small; a result left with more than first_buffer_bound spare units is
 // trimmed.
 template <typename To, typename From, typename Step>
-std::basic_string<To> convert_whole(UConverter* converter, const From* source, unsigned long length, Step step)
+std::basic_string<To> convert_whole(
+    UConverter* converter, const From* source, unsigned long length, Step step)
 {
     typedef block_direction<To, From> direction;
-    reset_guard guard{converter};
+    reset_guard guard {converter};
     if (length == 0)
         return std::basic_string<To>();
 
@@ -155,7 +156,8 @@ std::basic_string<To> convert_whole(UConverter* converter, const From* source, u
         To* const end = base + capacity;
         const To* const limit = room > block ? cursor + block : end;
         const unsigned long left = static_cast<unsigned long>(from_end - from);
-        const From* const from_limit = left > direction::source_block ? from + direction::source_block : from_end;
+        const From* const from_limit
+            = left > direction::source_block ? from + direction::source_block : from_end;
 
         UErrorCode status = U_ZERO_ERROR;
         step(converter, &cursor, limit, &from, from_limit, status);
@@ -166,7 +168,8 @@ std::basic_string<To> convert_whole(UConverter* converter, const From* source, u
             const unsigned long consumed = static_cast<unsigned long>(from - source);
             const unsigned long remaining = static_cast<unsigned long>(from_end - from);
             const double rate = consumed ? static_cast<double>(written) / static_cast<double>(consumed) : 1.0;
-            unsigned long wanted = written + static_cast<unsigned long>(static_cast<double>(remaining) * rate);
+            unsigned long wanted
+                = written + static_cast<unsigned long>(static_cast<double>(remaining) * rate);
             wanted += wanted / 64 + stack_scratch_size;
             // Grow by half at least, so that a text whose density changes still costs linear time.
             if (wanted < capacity + capacity / 2)
@@ -196,8 +199,7 @@ std::basic_string<To> convert_whole(UConverter* converter, const From* source, u
 }
 
 // One ICU call with no primitive in between; the count is the distance the target moved.
-template <typename To, typename From>
-struct direct_step {
+template <typename To, typename From> struct direct_step {
     unsigned long operator()(UConverter* converter, To** target, const To* target_limit, const From** source,
         const From* source_limit, UErrorCode& status) const
     {
@@ -210,8 +212,7 @@ struct direct_step {
 };
 
 // A step through one of the stream primitives.
-template <typename To, typename From>
-struct primitive_step {
+template <typename To, typename From> struct primitive_step {
     typename lcctype::stream_conversion_function<To, From>::type function;
     unsigned long operator()(UConverter* converter, To** target, const To* target_limit, const From** source,
         const From* source_limit, UErrorCode& status) const

@@ -58,7 +58,8 @@ codecvt_call_back_mode codecvt_ustring_to_string::get_call_back_mode() const
     return ctx ? ctx->get_from_call_back_mode() : call_back_default;
 }
 
-unsigned long codecvt_ustring_to_string::do_get_destination_size(const char16_t* source, unsigned long length) const
+unsigned long codecvt_ustring_to_string::do_get_destination_size(
+    const char16_t* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
     return detail::run_block_loop<char, char16_t>(
@@ -76,7 +77,7 @@ unsigned long codecvt_ustring_to_string::do_convert(
 {
     UConverter* converter = converter_of(ctx);
     return detail::run_block_loop<char, char16_t>(converter, destination, destination_size, source, length,
-        detail::primitive_step<char, char16_t>{&lcctype::stream_conversion_from_utf16});
+        detail::primitive_step<char, char16_t> {&lcctype::stream_conversion_from_utf16});
 }
 
 codecvt_string_to_ustring::codecvt_string_to_ustring(const std::string& encoding, bool allow_invalid)
@@ -112,7 +113,8 @@ codecvt_call_back_mode codecvt_string_to_ustring::get_call_back_mode() const
     return ctx ? ctx->get_to_call_back_mode() : call_back_default;
 }
 
-unsigned long codecvt_string_to_ustring::do_get_destination_size(const char* source, unsigned long length) const
+unsigned long codecvt_string_to_ustring::do_get_destination_size(
+    const char* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
     return detail::run_block_loop<char16_t, char>(
@@ -130,7 +132,7 @@ unsigned long codecvt_string_to_ustring::do_convert(
 {
     UConverter* converter = converter_of(ctx);
     return detail::run_block_loop<char16_t, char>(converter, destination, destination_size, source, length,
-        detail::primitive_step<char16_t, char>{&lcctype::stream_conversion_to_utf16});
+        detail::primitive_step<char16_t, char> {&lcctype::stream_conversion_to_utf16});
 }
 
 } // namespace i18n

@@ -38,42 +38,48 @@ unsigned long whole_buffer(unsigned long destination_size, unsigned long length,
 unsigned long conversion_to_modified_utf8(
     char* destination, unsigned long destination_size, const char16_t* source, unsigned long length)
 {
-    return whole_buffer<char16_t>(destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
-        u_strToJavaModifiedUTF8(destination, cap, out, source, n, st);
-    });
+    return whole_buffer<char16_t>(
+        destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
+            u_strToJavaModifiedUTF8(destination, cap, out, source, n, st);
+        });
 }
 
 unsigned long conversion_from_modified_utf8(
     char16_t* destination, unsigned long destination_size, const char* source, unsigned long length)
 {
-    return whole_buffer<char>(destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
-        u_strFromJavaModifiedUTF8WithSub(destination, cap, out, source, n, replacement_character, nullptr, st);
-    });
+    return whole_buffer<char>(
+        destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
+            u_strFromJavaModifiedUTF8WithSub(
+                destination, cap, out, source, n, replacement_character, nullptr, st);
+        });
 }
 
 unsigned long conversion_to_utf8(
     char* destination, unsigned long destination_size, const char16_t* source, unsigned long length)
 {
-    return whole_buffer<char16_t>(destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
-        u_strToUTF8WithSub(destination, cap, out, source, n, utf8_substitute, nullptr, st);
-    });
+    return whole_buffer<char16_t>(
+        destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
+            u_strToUTF8WithSub(destination, cap, out, source, n, utf8_substitute, nullptr, st);
+        });
 }
 
 unsigned long conversion_from_utf8(
     char16_t* destination, unsigned long destination_size, const char* source, unsigned long length)
 {
-    return whole_buffer<char>(destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
-        u_strFromUTF8WithSub(destination, cap, out, source, n, replacement_character, nullptr, st);
-    });
+    return whole_buffer<char>(
+        destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
+            u_strFromUTF8WithSub(destination, cap, out, source, n, replacement_character, nullptr, st);
+        });
 }
 
 unsigned long conversion_from_utf32(
     char16_t* destination, unsigned long destination_size, const char32_t* source, unsigned long length)
 {
-    return whole_buffer<char32_t>(destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
-        u_strFromUTF32WithSub(destination, cap, out, reinterpret_cast<const UChar32*>(source), n,
-            replacement_character, nullptr, st);
-    });
+    return whole_buffer<char32_t>(
+        destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
+            u_strFromUTF32WithSub(destination, cap, out, reinterpret_cast<const UChar32*>(source), n,
+                replacement_character, nullptr, st);
+        });
 }
 
 } // namespace lcctype
@@ -81,8 +87,8 @@ unsigned long conversion_from_utf32(
 namespace {
 
 // UTF-16 to UTF-32 into wchar_t, for the measuring call (null destination) and the converting one.
-unsigned long to_utf32(wchar_t* destination, unsigned long destination_size, const char16_t* source,
-    unsigned long length)
+unsigned long to_utf32(
+    wchar_t* destination, unsigned long destination_size, const char16_t* source, unsigned long length)
 {
     return lcctype::whole_buffer<char16_t>(
         destination_size, length, [&](int32_t cap, int32_t n, int32_t* out, UErrorCode* st) {
@@ -129,7 +135,8 @@ ustring to_ustring(const wchar_t* source)
 
 codecvt_ustring_to_ascii::~codecvt_ustring_to_ascii() { }
 
-unsigned long codecvt_ustring_to_ascii::do_get_destination_size(const char16_t* source, unsigned long length) const
+unsigned long codecvt_ustring_to_ascii::do_get_destination_size(
+    const char16_t* source, unsigned long length) const
 {
     if (!source || length == 0)
         return 0;
@@ -172,7 +179,8 @@ unsigned long codecvt_ustring_to_ascii::do_convert(
 
 codecvt_ascii_to_ustring::~codecvt_ascii_to_ustring() { }
 
-unsigned long codecvt_ascii_to_ustring::do_get_destination_size(const char* source, unsigned long length) const
+unsigned long codecvt_ascii_to_ustring::do_get_destination_size(
+    const char* source, unsigned long length) const
 {
     if (!source || length == 0)
         return 0;
@@ -225,7 +233,8 @@ unsigned long codecvt_ustring_to_modified_utf8::do_get_destination_size(
 
 std::string codecvt_ustring_to_modified_utf8::do_convert(const char16_t* source, unsigned long length) const
 {
-    return lcctype::convert_to_string_utf<char, char16_t>(source, length, &lcctype::conversion_to_modified_utf8);
+    return lcctype::convert_to_string_utf<char, char16_t>(
+        source, length, &lcctype::conversion_to_modified_utf8);
 }
 
 unsigned long codecvt_ustring_to_modified_utf8::do_convert(
@@ -244,7 +253,8 @@ unsigned long codecvt_modified_utf8_to_ustring::do_get_destination_size(
 
 ustring codecvt_modified_utf8_to_ustring::do_convert(const char* source, unsigned long length) const
 {
-    return lcctype::convert_to_string_utf<char16_t, char>(source, length, &lcctype::conversion_from_modified_utf8);
+    return lcctype::convert_to_string_utf<char16_t, char>(
+        source, length, &lcctype::conversion_from_modified_utf8);
 }
 
 unsigned long codecvt_modified_utf8_to_ustring::do_convert(
@@ -257,7 +267,8 @@ unsigned long codecvt_modified_utf8_to_ustring::do_convert(
 
 codecvt_ustring_to_wstring::~codecvt_ustring_to_wstring() { }
 
-unsigned long codecvt_ustring_to_wstring::do_get_destination_size(const char16_t* source, unsigned long length) const
+unsigned long codecvt_ustring_to_wstring::do_get_destination_size(
+    const char16_t* source, unsigned long length) const
 {
     return to_utf32(nullptr, 0, source, length);
 }
@@ -275,7 +286,8 @@ unsigned long codecvt_ustring_to_wstring::do_convert(
 
 codecvt_wstring_to_ustring::~codecvt_wstring_to_ustring() { }
 
-unsigned long codecvt_wstring_to_ustring::do_get_destination_size(const wchar_t* source, unsigned long length) const
+unsigned long codecvt_wstring_to_ustring::do_get_destination_size(
+    const wchar_t* source, unsigned long length) const
 {
     return lcctype::conversion_from_utf32(nullptr, 0, reinterpret_cast<const char32_t*>(source), length);
 }

@@ -12,7 +12,8 @@ template <typename To, typename From>
 std::basic_string<To> convert_to_string_large_buffer(UConverter* converter, const From* source,
     unsigned long length, typename stream_conversion_function<To, From>::type function)
 {
-    return detail::convert_whole<To, From>(converter, source, length, detail::primitive_step<To, From>{function});
+    return detail::convert_whole<To, From>(
+        converter, source, length, detail::primitive_step<To, From> {function});
 }
 
 template QVI18N_API std::string convert_to_string_large_buffer<char, char16_t>(
@@ -70,8 +71,8 @@ template QVI18N_API ustring convert_to_string_utf<char16_t, char32_t>(
     const char32_t*, unsigned long, buffer_conversion_function<char16_t, char32_t>::type);
 
 template <typename To, typename From>
-std::basic_string<To> convert_to_string_generic(UConverter* converter, const From* source, unsigned long length,
-    typename generic_conversion_function<To, From>::type function)
+std::basic_string<To> convert_to_string_generic(UConverter* converter, const From* source,
+    unsigned long length, typename generic_conversion_function<To, From>::type function)
 {
     return convert_sized<To>(length, [&](To* destination, unsigned long size) {
         return function(converter, destination, size, source, length);

@@ -8,8 +8,7 @@ namespace fl {
 namespace i18n {
 namespace lcctype {
 
-template <typename Target, typename Source>
-Target num_cast(Source value)
+template <typename Target, typename Source> Target num_cast(Source value)
 {
     try {
         return boost::numeric_cast<Target>(value);
@@ -27,28 +26,23 @@ namespace {
 
 // The longest source that a whole-buffer ICU call can be blamed for, by unit size: beyond it the
 // failure is put down to the size, whatever ICU said.
-template <typename T>
-constexpr unsigned long size_bound();
-template <>
-constexpr unsigned long size_bound<char>()
+template <typename T> constexpr unsigned long size_bound();
+template <> constexpr unsigned long size_bound<char>()
 {
     return 0x80000000UL;
 }
-template <>
-constexpr unsigned long size_bound<char16_t>()
+template <> constexpr unsigned long size_bound<char16_t>()
 {
     return 0x40000000UL;
 }
-template <>
-constexpr unsigned long size_bound<char32_t>()
+template <> constexpr unsigned long size_bound<char32_t>()
 {
     return 0x20000000UL;
 }
 
 } // namespace
 
-template <typename T>
-void map_codecvt_exception(UErrorCode status, unsigned long length)
+template <typename T> void map_codecvt_exception(UErrorCode status, unsigned long length)
 {
     if (status <= U_ZERO_ERROR || status == U_BUFFER_OVERFLOW_ERROR)
         return;
@@ -82,8 +76,9 @@ unsigned long stream_conversion_from_utf16(UConverter* converter, char** target,
     return static_cast<unsigned long>(written);
 }
 
-unsigned long stream_conversion_to_utf16(UConverter* converter, char16_t** target, const char16_t* target_limit,
-    const char** source, const char* source_limit, bool flush, UErrorCode& status)
+unsigned long stream_conversion_to_utf16(UConverter* converter, char16_t** target,
+    const char16_t* target_limit, const char** source, const char* source_limit, bool flush,
+    UErrorCode& status)
 {
     char16_t* const start = *target;
     status = U_ZERO_ERROR;

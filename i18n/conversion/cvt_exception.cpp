@@ -11,8 +11,7 @@ template class converter<char16_t, wchar_t>;
 CvtExceptionBase::CvtExceptionBase(const std::string& message, std::int32_t code)
     : message(message)
     , code(code)
-{
-}
+{ }
 
 CvtExceptionBase::~CvtExceptionBase() { }
 
@@ -23,45 +22,38 @@ const char* CvtExceptionBase::what() const noexcept
 
 CvtInvalidArgument::CvtInvalidArgument()
     : CvtExceptionBase("fl:i18n:CvtInvalidArgument", 1)
-{
-}
+{ }
 CvtInvalidArgument::~CvtInvalidArgument() { }
 
 CvtInvalidEncodingName::CvtInvalidEncodingName(const std::string& encoding_name)
     : CvtExceptionBase("Invalid encoding name specified.", 2)
     , encoding_name(encoding_name)
-{
-}
+{ }
 CvtInvalidEncodingName::~CvtInvalidEncodingName() { }
 
 CvtCallBackSettingFailure::CvtCallBackSettingFailure()
     : CvtExceptionBase("fl:i18n:CvtCallBackSettingFailure", 3)
-{
-}
+{ }
 CvtCallBackSettingFailure::~CvtCallBackSettingFailure() { }
 
 CvtNonSupportedMode::CvtNonSupportedMode()
     : CvtExceptionBase("fl:i18n:CvtNonSupportedMode", 4)
-{
-}
+{ }
 CvtNonSupportedMode::~CvtNonSupportedMode() { }
 
 CvtInvalidCharacter::CvtInvalidCharacter()
     : CvtExceptionBase("Invalid character code sequence detected.", 5)
-{
-}
+{ }
 CvtInvalidCharacter::~CvtInvalidCharacter() { }
 
 CvtSizeTooLarge::CvtSizeTooLarge()
     : CvtExceptionBase("Data size too large for character code conversion.", 6)
-{
-}
+{ }
 CvtSizeTooLarge::~CvtSizeTooLarge() { }
 
 CvtConversionFailure::CvtConversionFailure()
     : CvtExceptionBase("Failed to convert character code.", 7)
-{
-}
+{ }
 CvtConversionFailure::~CvtConversionFailure() { }
 
 } // namespace i18n

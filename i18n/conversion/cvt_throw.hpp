@@ -12,8 +12,7 @@ namespace i18n {
 namespace detail {
 
 // Every conversion failure is thrown in the form that a boost::exception_ptr can carry.
-template <typename E, typename... Args>
-[[noreturn]] void throw_cvt(Args&&... args)
+template <typename E, typename... Args> [[noreturn]] void throw_cvt(Args&&... args)
 {
     throw boost::enable_current_exception(E(std::forward<Args>(args)...));
 }

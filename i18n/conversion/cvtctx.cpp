@@ -43,8 +43,7 @@ CvtCtx::CvtCtx(std::unique_ptr<UConverter, lcctype::converter_close>& converter)
     , saved_to_action(nullptr)
     , saved_from_context(nullptr)
     , saved_to_context(nullptr)
-{
-}
+{ }
 
 // The converter goes with its call-backs; nothing is restored first.
 CvtCtx::~CvtCtx() { }
@@ -148,7 +147,8 @@ void CvtCtx::reset_from_call_back()
     if (from_mode == call_back_default)
         return;
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(settable(converter), saved_from_action, saved_from_context, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(
+        settable(converter), saved_from_action, saved_from_context, nullptr, nullptr, &status);
     if (failed(status))
         detail::throw_cvt<CvtCallBackSettingFailure>();
     saved_from_action = nullptr;

@@ -6,8 +6,9 @@
 
 extern "C" {
 
-void UCNV_FROM_U_CALLBACK_ESCAPE_WITH_INVISIBLE_CHARS(const void* context, UConverterFromUnicodeArgs* from_args,
-    const UChar* code_units, int32_t length, UChar32 code_point, UConverterCallbackReason reason, UErrorCode* err)
+void UCNV_FROM_U_CALLBACK_ESCAPE_WITH_INVISIBLE_CHARS(const void* context,
+    UConverterFromUnicodeArgs* from_args, const UChar* code_units, int32_t length, UChar32 code_point,
+    UConverterCallbackReason reason, UErrorCode* err)
 {
     // ICU's escape writes the same text for an unassigned and an illegal character; only its
     // skipping of default-ignorables looks at the reason, so present the character as illegal.
@@ -16,8 +17,8 @@ void UCNV_FROM_U_CALLBACK_ESCAPE_WITH_INVISIBLE_CHARS(const void* context, UConv
     UCNV_FROM_U_CALLBACK_ESCAPE(context, from_args, code_units, length, code_point, reason, err);
 }
 
-void UCNV_FROM_U_CALLBACK_STOP_WITH_INVISIBLE_CHARS(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t,
-    UChar32, UConverterCallbackReason, UErrorCode*)
+void UCNV_FROM_U_CALLBACK_STOP_WITH_INVISIBLE_CHARS(const void*, UConverterFromUnicodeArgs*, const UChar*,
+    int32_t, UChar32, UConverterCallbackReason, UErrorCode*)
 {
     // The error code the converter set stays, whatever the character.
 }

@@ -85,7 +85,8 @@ TEST(CvtCtxModes, SubstitutionStaysForGoodWithModeZero)
     cvt.reset_call_back();
     EXPECT_EQ(cvt.convert(text.data(), text.size()), "a?");
     // The bytes are in the target encoding; two bytes are no character of Latin-1.
-    EXPECT_THROW(codecvt_ustring_to_string(call_back_substitution, "ISO-8859-1", "?!"), CvtCallBackSettingFailure);
+    EXPECT_THROW(
+        codecvt_ustring_to_string(call_back_substitution, "ISO-8859-1", "?!"), CvtCallBackSettingFailure);
     codecvt_ustring_to_string sjis(call_back_substitution, "Shift_JIS", "\x81\x48"); // full-width '?'
     EXPECT_EQ(sjis.convert(u"\u00E9", 1), "\x81\x48");
 

@@ -18,16 +18,14 @@ using fl::i18n::ustring;
 namespace {
 
 const char* const encodings[] = {"UTF-8", "Shift_JIS", "GB18030", "ISO-8859-1", "windows-1252"};
-const std::size_t lengths[]
-    = {1023, 1024, 1025, 32767, 32768, 32769, 65535, 65536, 65537, 100000, 1000000};
+const std::size_t lengths[] = {1023, 1024, 1025, 32767, 32768, 32769, 65535, 65536, 65537, 100000, 1000000};
 
 // A seeded generator of reproducible texts: ASCII, Latin, CJK and supplementary characters.
 class random_text {
 public:
     explicit random_text(std::uint32_t seed)
         : state(seed * 2654435761ULL + 1)
-    {
-    }
+    { }
     std::uint32_t next()
     {
         state ^= state << 13;
@@ -170,16 +168,18 @@ TEST(DifferentialAgainstIcu, ToUnicodeOnEveryBoundary)
     for (const char* encoding : encodings) {
         codecvt_string_to_ustring cvt(encoding, true);
         for (std::size_t length : lengths) {
-            const std::string bytes = random_bytes(encoding, static_cast<std::uint32_t>(length * 13 + 5), length);
+            const std::string bytes
+                = random_bytes(encoding, static_cast<std::uint32_t>(length * 13 + 5), length);
             const ustring ours = cvt.convert(bytes.data(), bytes.size());
             // The engine may have dropped up to three bytes of an incomplete last character; ICU,
             // given the text without them, must agree exactly.
             bool matched = false;
             for (std::size_t cut = 0; cut <= 3 && !matched; ++cut)
                 matched = ours == icu_to_unicode(encoding, bytes.data(), length - cut);
-            ASSERT_TRUE(matched) << encoding << " length " << length << " ours " << ours.size() << " units, ICU "
-                                 << icu_to_unicode(encoding, bytes.data(), length).size();
-            EXPECT_EQ(cvt.get_destination_size(bytes.data(), bytes.size()), ours.size()) << encoding << length;
+            ASSERT_TRUE(matched) << encoding << " length " << length << " ours " << ours.size()
+                                 << " units, ICU " << icu_to_unicode(encoding, bytes.data(), length).size();
+            EXPECT_EQ(cvt.get_destination_size(bytes.data(), bytes.size()), ours.size())
+                << encoding << length;
         }
     }
 }
@@ -194,7 +194,8 @@ TEST(DifferentialAgainstIcu, DefaultPathMatchesIcuOnTheBuiltInEncoding)
             << length;
         const ustring text = random_unicode(static_cast<std::uint32_t>(length + 3), length);
         const bool tail = text.back() >= 0xD800 && text.back() <= 0xDBFF;
-        ASSERT_TRUE(fl::i18n::to_string(text) == icu_from_unicode("US-ASCII", text.data(), length - (tail ? 1 : 0)))
+        ASSERT_TRUE(
+            fl::i18n::to_string(text) == icu_from_unicode("US-ASCII", text.data(), length - (tail ? 1 : 0)))
             << length;
     }
 }

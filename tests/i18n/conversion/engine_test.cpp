@@ -104,7 +104,8 @@ TEST(ConversionEngine, IncompleteTailIsDroppedSilentlyEvenWhenChecking)
 TEST(ConversionEngine, StrictConverterFailsCleanlyAndRecovers)
 {
     codecvt_string_to_ustring from_utf8("UTF-8", false);
-    const std::string bad = "abc\xFF" "def";
+    const std::string bad = "abc\xFF"
+                            "def";
     EXPECT_THROW(from_utf8.convert(bad.data(), bad.size()), CvtInvalidCharacter);
     EXPECT_THROW(from_utf8.get_destination_size(bad.data(), bad.size()), CvtInvalidCharacter);
     char16_t buffer[16];
@@ -123,7 +124,9 @@ TEST(ConversionEngine, StrictConverterFailsCleanlyAndRecovers)
     EXPECT_EQ(to_latin1.convert(fine.data(), fine.size()), "\xE9t\xE9");
 
     codecvt_ustring_to_string lenient("ISO-8859-1", true);
-    EXPECT_EQ(lenient.convert(unmappable.data(), unmappable.size()), "a\x1A" "b");
+    EXPECT_EQ(lenient.convert(unmappable.data(), unmappable.size()),
+        "a\x1A"
+        "b");
 }
 
 TEST(ConversionEngine, SmallDestinationIsFilledAndTheFullSizeReturned)
@@ -208,8 +211,8 @@ TEST(ConversionEngine, WholeBufferTemplatesRetryOnlyWhenTheFirstBufferIsShort)
         EXPECT_EQ(utf_calls, 2 * n <= first ? 1 : 2) << n;
 
         utf_calls = 0;
-        const std::string generic
-            = lcctype::convert_to_string_generic<char, char16_t>(nullptr, text.data(), n, &doubling_with_converter);
+        const std::string generic = lcctype::convert_to_string_generic<char, char16_t>(
+            nullptr, text.data(), n, &doubling_with_converter);
         EXPECT_TRUE(generic == out);
         EXPECT_EQ(utf_calls, 2 * n <= first ? 1 : 2) << n;
     }

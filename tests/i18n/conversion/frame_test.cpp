@@ -18,8 +18,7 @@ ustring u16(const char* ascii)
     return ustring(ascii, ascii + std::strlen(ascii));
 }
 
-template <typename E>
-void expect_code_and_text(const E& e, int code, const char* text)
+template <typename E> void expect_code_and_text(const E& e, int code, const char* text)
 {
     EXPECT_EQ(e.get_code(), code);
     EXPECT_STREQ(e.what(), text);
@@ -103,7 +102,8 @@ TEST(MapCodecvtException, StatusAndSizeDecideTheException)
     EXPECT_THROW(map_codecvt_exception<char16_t>(U_TRUNCATED_CHAR_FOUND, 0x40000000UL), CvtSizeTooLarge);
     EXPECT_THROW(map_codecvt_exception<char16_t>(U_TRUNCATED_CHAR_FOUND, 0x3FFFFFFFUL), CvtConversionFailure);
     EXPECT_THROW(map_codecvt_exception<char32_t>(U_INTERNAL_PROGRAM_ERROR, 0x20000000UL), CvtSizeTooLarge);
-    EXPECT_THROW(map_codecvt_exception<char32_t>(U_INTERNAL_PROGRAM_ERROR, 0x1FFFFFFFUL), CvtConversionFailure);
+    EXPECT_THROW(
+        map_codecvt_exception<char32_t>(U_INTERNAL_PROGRAM_ERROR, 0x1FFFFFFFUL), CvtConversionFailure);
 
     EXPECT_THROW(lcctype::invalid_char_exception_throwing(U_ILLEGAL_CHAR_FOUND), CvtInvalidCharacter);
     EXPECT_THROW(lcctype::invalid_char_exception_throwing(U_TRUNCATED_CHAR_FOUND), CvtConversionFailure);

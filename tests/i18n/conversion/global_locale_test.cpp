@@ -59,7 +59,8 @@ TEST(GlobalLocaleEncodingDeathTest, FirstUseUnderAUtf8LocaleMakesTheDefaultUtf8)
     EXPECT_EXIT(
         {
             make_global("zh_Hans_CN", "UTF-8");
-            bool ok = to_ustring(std::string("\xE6\x97\xA5")) == u"\u65E5" && to_string(u"\u00E9") == "\xC3\xA9";
+            bool ok
+                = to_ustring(std::string("\xE6\x97\xA5")) == u"\u65E5" && to_string(u"\u00E9") == "\xC3\xA9";
             // Back to US-ASCII: the default conversions do not follow.
             QvLocaleCtx& ctx = get_qvlocale_context();
             ctx.setGlobalLocale(&ctx.getClassicLocale());

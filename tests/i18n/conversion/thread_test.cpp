@@ -17,8 +17,8 @@ TEST(ConcurrentConversion, DefaultCachedAndOwnConvertersSideBySide)
 {
     const int thread_count = 8;
     const int rounds = 150;
-    std::atomic<int> ready{0};
-    std::atomic<int> failures{0};
+    std::atomic<int> ready {0};
+    std::atomic<int> failures {0};
     std::vector<std::thread> threads;
     for (int t = 0; t < thread_count; ++t) {
         threads.emplace_back([&, t] {

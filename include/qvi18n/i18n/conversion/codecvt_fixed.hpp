@@ -41,8 +41,7 @@ class QVI18N_API codecvt_ustring_to_ascii : public converter<char, char16_t> {
 public:
     explicit codecvt_ustring_to_ascii(bool allow_invalid = false)
         : allow_invalid(allow_invalid)
-    {
-    }
+    { }
     ~codecvt_ustring_to_ascii() override;
 
     unsigned long do_get_destination_size(const char16_t* source, unsigned long length) const override;
@@ -61,8 +60,7 @@ class QVI18N_API codecvt_ascii_to_ustring : public converter<char16_t, char> {
 public:
     explicit codecvt_ascii_to_ustring(bool allow_invalid = false)
         : allow_invalid(allow_invalid)
-    {
-    }
+    { }
     ~codecvt_ascii_to_ustring() override;
 
     unsigned long do_get_destination_size(const char* source, unsigned long length) const override;

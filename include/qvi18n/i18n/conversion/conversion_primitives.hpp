@@ -44,8 +44,7 @@ QVI18N_API UConverter* get_cached_codecvt();
 /// Checked cast of a length between the library's unsigned long and ICU's 32-bit values; an
 /// out-of-range value throws CvtSizeTooLarge. Instantiated for <int, unsigned long>,
 /// <unsigned long, int>, <unsigned long, signed char> and <signed char, unsigned long>.
-template <typename Target, typename Source>
-QVI18N_API Target num_cast(Source value);
+template <typename Target, typename Source> QVI18N_API Target num_cast(Source value);
 
 extern template QVI18N_API int num_cast<int, unsigned long>(unsigned long);
 extern template QVI18N_API unsigned long num_cast<unsigned long, int>(int);
@@ -54,8 +53,7 @@ extern template QVI18N_API signed char num_cast<signed char, unsigned long>(unsi
 
 /// Throws for a failed whole-buffer conversion of `length` units of T, or returns when `status` is
 /// a success or the overflow of a measuring call. T is char, char16_t or char32_t.
-template <typename T>
-QVI18N_API void map_codecvt_exception(UErrorCode status, unsigned long length);
+template <typename T> QVI18N_API void map_codecvt_exception(UErrorCode status, unsigned long length);
 
 extern template QVI18N_API void map_codecvt_exception<char>(UErrorCode, unsigned long);
 extern template QVI18N_API void map_codecvt_exception<char16_t>(UErrorCode, unsigned long);
@@ -73,22 +71,19 @@ QVI18N_API unsigned long stream_conversion_to_utf16(UConverter* converter, char1
     UErrorCode& status);
 
 /// The signature of stream_conversion_from_utf16 / stream_conversion_to_utf16.
-template <typename To, typename From>
-struct stream_conversion_function {
+template <typename To, typename From> struct stream_conversion_function {
     typedef unsigned long (*type)(UConverter*, To**, const To*, const From**, const From*, bool, UErrorCode&);
 };
 
 /// A whole-buffer conversion: returns the size of the whole result, also when `destination` is
 /// too small for it.
-template <typename To, typename From>
-struct buffer_conversion_function {
-    typedef unsigned long (*type)(To* destination, unsigned long destination_size, const From* source,
-        unsigned long length);
+template <typename To, typename From> struct buffer_conversion_function {
+    typedef unsigned long (*type)(
+        To* destination, unsigned long destination_size, const From* source, unsigned long length);
 };
 
 /// The same with a converter.
-template <typename To, typename From>
-struct generic_conversion_function {
+template <typename To, typename From> struct generic_conversion_function {
     typedef unsigned long (*type)(UConverter* converter, To* destination, unsigned long destination_size,
         const From* source, unsigned long length);
 };

@@ -16,8 +16,7 @@ namespace i18n {
 /// The conversion interface that every conversion class implements. Sizes are in units of the
 /// character types, never bytes. The operations are const but an implementation may drive an
 /// ICU converter, so one object serves one thread at a time.
-template <typename To, typename From>
-class QVI18N_API converter : private boost::noncopyable {
+template <typename To, typename From> class QVI18N_API converter : private boost::noncopyable {
 public:
     typedef To to_char_type;
     typedef From from_char_type;
@@ -38,8 +37,8 @@ public:
     /// Converts into the caller's buffer and returns the size the whole result needs (the ASCII
     /// converters return the count written instead); a result above `destination_size` means that
     /// the buffer was too small.
-    unsigned long convert(To* destination, unsigned long destination_size, const From* source,
-        unsigned long length) const
+    unsigned long convert(
+        To* destination, unsigned long destination_size, const From* source, unsigned long length) const
     {
         return do_convert(destination, destination_size, source, length);
     }
@@ -48,9 +47,8 @@ public:
     // converter may call them directly.
     virtual unsigned long do_get_destination_size(const From* source, unsigned long length) const = 0;
     virtual std::basic_string<To> do_convert(const From* source, unsigned long length) const = 0;
-    virtual unsigned long do_convert(To* destination, unsigned long destination_size, const From* source,
-        unsigned long length) const
-        = 0;
+    virtual unsigned long do_convert(
+        To* destination, unsigned long destination_size, const From* source, unsigned long length) const = 0;
 
 protected:
     converter() { }
