@@ -10,6 +10,7 @@
 #include <boost/thread/once.hpp>
 
 #include <atomic>
+#include <cstdint>
 
 namespace fl {
 namespace i18n {
@@ -53,8 +54,22 @@ template <class T> T& get_or_make(std::atomic<T*>& object, boost::once_flag& fla
 
 thread_local bool this_thread_holds_lock = false;
 
-// The request's key, built in a per-thread buffer so that a hit allocates nothing.
-thread_local std::string key_buffer;
+// Bumped, under the mutex, whenever an entry leaves the cache. Entries are never replaced, so a
+// catalog found under a key stays the one for that key until the generation moves on.
+std::atomic<std::uint64_t> cache_generation {1};
+
+// The last catalog this thread asked for. A repeated request for it is answered from here with no
+// lock and no look-up, as long as nothing was flushed since; the memo keeps the catalog alive.
+struct thread_memo {
+    std::string catalog;
+    std::string locale;
+    std::uint64_t generation = 0;
+    boost::shared_ptr<const MessageCatalog> held;
+    // The request's key, built here so that a look-up allocates nothing.
+    std::string key;
+};
+
+thread_local thread_memo memo;
 
 bool is_directory(const fl::filesystem::upath& p)
 {
@@ -148,22 +163,44 @@ bool catalog_lock::held_by_this_thread()
     return this_thread_holds_lock;
 }
 
+const boost::shared_ptr<const MessageCatalog>& thread_catalog(
+    const std::string& catalog, const QvLocale& locale)
+{
+    std::string locale_name = locale.shortName(QvLocale::LcMessages);
+    thread_memo& m = memo;
+    if (m.held && m.generation == cache_generation.load(std::memory_order_acquire) && m.catalog == catalog
+        && m.locale == locale_name) {
+        return m.held;
+    }
+
+    m.key.assign(catalog);
+    m.key += ':';
+    m.key += locale_name;
+
+    boost::shared_ptr<const MessageCatalog> found;
+    std::uint64_t generation;
+    {
+        catalog_lock lock;
+        generation = cache_generation.load(std::memory_order_relaxed);
+        catalog_cache_map& cache = catalog_cache();
+        catalog_cache_map::iterator hit = cache.find(m.key);
+        if (hit != cache.end()) {
+            ++hit->second.use_count;
+            found = hit->second.catalog;
+        } else {
+            found = load_catalog(catalog, locale, locale_name, m.key);
+        }
+    }
+    m.held = std::move(found);
+    m.catalog = catalog;
+    m.locale = std::move(locale_name);
+    m.generation = generation;
+    return m.held;
+}
+
 boost::shared_ptr<const MessageCatalog> get_catalog(const std::string& catalog, const QvLocale& locale)
 {
-    const std::string locale_name = locale.shortName(QvLocale::LcMessages);
-    std::string& key = key_buffer;
-    key.assign(catalog);
-    key += ':';
-    key += locale_name;
-
-    catalog_lock lock;
-    catalog_cache_map& cache = catalog_cache();
-    catalog_cache_map::iterator hit = cache.find(key);
-    if (hit != cache.end()) {
-        ++hit->second.use_count;
-        return hit->second.catalog;
-    }
-    return load_catalog(catalog, locale, locale_name, std::string(key));
+    return thread_catalog(catalog, locale);
 }
 
 } // namespace detail
@@ -274,6 +311,7 @@ void MessageCatalog::FlushCatalogFromCache(const CatalogID& id)
         const std::string::size_type colon = it->first.rfind(':');
         if (colon != std::string::npos && colon == name.size() && it->first.compare(0, colon, name) == 0) {
             it = cache.erase(it);
+            detail::cache_generation.fetch_add(1, std::memory_order_release);
         } else {
             ++it;
         }

@@ -45,7 +45,10 @@ private:
 };
 
 // The catalog `catalog` for `locale`, from the cache or loaded into it. `catalog` is the text of a
-// valid CatalogID; the callers that hold only text check it first.
+// valid CatalogID; the callers that hold only text check it first. The reference stays good until
+// this thread's next request for a catalog.
+const boost::shared_ptr<const MessageCatalog>& thread_catalog(
+    const std::string& catalog, const QvLocale& locale);
 boost::shared_ptr<const MessageCatalog> get_catalog(const std::string& catalog, const QvLocale& locale);
 
 } // namespace detail

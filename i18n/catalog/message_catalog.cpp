@@ -17,13 +17,13 @@ ustring MessageCatalog::get_message(const MessageID& id, const QvLocale& locale)
     if (catalog.empty()) {
         throw boost::enable_current_exception(CatalogID::badCatalogIDException());
     }
-    return detail::get_catalog(catalog, locale)->get_message_for_key(id.getMsgKey());
+    return detail::thread_catalog(catalog, locale)->get_message_for_key(id.getMsgKey());
 }
 
 ustring MessageCatalog::get_message(const resource_core::BaseMsgID& id, const QvLocale& locale)
 {
     const CatalogID catalog(id.catalog_name);
-    const ustring text = detail::get_catalog(catalog.getCatalogID(), locale)->get_message_for_key(id.key);
+    const ustring text = detail::thread_catalog(catalog.getCatalogID(), locale)->get_message_for_key(id.key);
     return MessageCatalogImpl::GetFormattedMessageImpl(text, id.holes, false);
 }
 

@@ -15,7 +15,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
+#include <string_view>
 
 namespace fl {
 namespace i18n {
@@ -81,6 +83,7 @@ MessageCatalogImpl::MessageCatalogImpl(
     , file_path(path)
     , locale_name(locale)
     , loaded(false)
+    , index_mask(0)
 {
     initializeXMLCatalog();
 }
@@ -100,6 +103,41 @@ void MessageCatalogImpl::initializeXMLCatalog()
         // A catalog is whole or absent: what was read before the failure goes with the object.
         throw boost::enable_current_exception(MessageCatalogLoadFailed(catalog_name));
     }
+    buildIndex();
+}
+
+void MessageCatalogImpl::buildIndex()
+{
+    // At most half full, so that a probe of a missing key ends soon.
+    std::size_t capacity = 16;
+    while (capacity < 2 * store->entries.size()) {
+        capacity *= 2;
+    }
+    index.assign(capacity, index_slot {0, nullptr});
+    index_mask = capacity - 1;
+    const std::hash<std::string_view> hasher;
+    for (const entry_type& entry : store->entries) {
+        const std::size_t hash = hasher(entry.first);
+        std::size_t i = hash & index_mask;
+        while (index[i].entry) {
+            i = (i + 1) & index_mask;
+        }
+        index[i] = index_slot {hash, &entry};
+    }
+}
+
+const MessageCatalogImpl::entry_type* MessageCatalogImpl::findEntry(const std::string& key) const
+{
+    const std::size_t hash = std::hash<std::string_view>()(key);
+    for (std::size_t i = hash & index_mask;; i = (i + 1) & index_mask) {
+        const index_slot& slot = index[i];
+        if (!slot.entry) {
+            return nullptr;
+        }
+        if (slot.hash == hash && slot.entry->first == key) {
+            return slot.entry;
+        }
+    }
 }
 
 ustring MessageCatalogImpl::get_message_for_key(const std::string& key) const
@@ -107,11 +145,11 @@ ustring MessageCatalogImpl::get_message_for_key(const std::string& key) const
     if (!loaded) {
         throw boost::enable_current_exception(MessageCatalogLoadFailed(catalog_name));
     }
-    XMLCatalogDataStore::entry_map::const_iterator it = store->entries.find(key);
-    if (it == store->entries.end()) {
+    const entry_type* entry = findEntry(key);
+    if (!entry) {
         throw boost::enable_current_exception(MessageNotFound(catalog_name, key));
     }
-    const icu::UnicodeString& text = it->second;
+    const icu::UnicodeString& text = entry->second;
     return ustring(text.getBuffer(), static_cast<std::size_t>(text.length()));
 }
 

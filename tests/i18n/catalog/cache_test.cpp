@@ -224,15 +224,19 @@ TEST(CatalogFlush, HeldCatalogsStayUsableAndTheNextRequestRereads)
     auto held = MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), ja);
     auto sub = MessageCatalog::GetMessageCatalog(CatalogID("app:ui:sub"), en);
     write_catalog(dir, "r", "app:ui", "en", catalog_xml({{"k", "second"}}));
+    // Asked again just before the flush: the very same request must not outlive it.
+    ASSERT_EQ(MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), ja), held);
+    EXPECT_EQ(message_text("app:ui", "k", ja), "first");
 
     MessageCatalog::FlushCatalogFromCache(CatalogID("app:ui"));
     EXPECT_USTR(held->get_message_for_key("k"), u"first");
+    EXPECT_EQ(message_text("app:ui", "k", ja), "second");
 
     // Both keys of the fall-back went, so either locale reads the file anew and they share again.
-    auto fresh = MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), en);
+    auto fresh = MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), ja);
     EXPECT_NE(fresh, held);
     EXPECT_USTR(fresh->get_message_for_key("k"), u"second");
-    EXPECT_EQ(MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), ja), fresh);
+    EXPECT_EQ(MessageCatalog::GetMessageCatalog(CatalogID("app:ui"), en), fresh);
 
     // Flushing "app:ui" compares the whole text in front of the locale: "app:ui:sub" stays.
     EXPECT_EQ(MessageCatalog::GetMessageCatalog(CatalogID("app:ui:sub"), en), sub);

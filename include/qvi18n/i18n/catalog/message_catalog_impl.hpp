@@ -46,7 +46,18 @@ public:
         const ustring& pattern, const hole_values& holes, bool check_hole_count);
 
 private:
+    typedef XMLCatalogDataStore::entry_map::value_type entry_type;
+
+    // An open-addressing index over the store's entries, built once after loading: one probe of a
+    // flat array, usually a single cache line, in place of a walk of the store's bucket chain.
+    struct index_slot {
+        std::size_t hash;
+        const entry_type* entry;
+    };
+
     void initializeXMLCatalog();
+    void buildIndex();
+    const entry_type* findEntry(const std::string& key) const;
 
     std::string catalog_name;
     fl::filesystem::upath file_path;
@@ -54,6 +65,8 @@ private:
     std::unique_ptr<MessageCatalogFileLoader> loader;
     std::unique_ptr<XMLCatalogDataStore> store;
     bool loaded;
+    std::vector<index_slot> index;
+    std::size_t index_mask;
 };
 
 } // namespace i18n
