@@ -2,6 +2,7 @@
 
 #include <qvi18n/filesystem/fstream.hpp>
 
+#include <boost/exception/exception.hpp>
 #include <boost/numeric/conversion/cast.hpp>
 
 #include <istream>
@@ -96,6 +97,17 @@ void XMLCALL on_character_data(void* data, const XML_Char* text, int length)
     }
 }
 
+// Expat takes an int; a longer line is refused the way numeric_cast refuses it, in the form that
+// an exception_ptr can carry.
+int checked_length(std::string::size_type size)
+{
+    try {
+        return boost::numeric_cast<int>(size);
+    } catch (const boost::numeric::positive_overflow& e) {
+        throw boost::enable_current_exception(e);
+    }
+}
+
 } // namespace
 
 ExpatLoader::ExpatLoader(const fl::filesystem::upath& file, boost::shared_ptr<ExpatEventHandler> h)
@@ -104,15 +116,21 @@ ExpatLoader::ExpatLoader(const fl::filesystem::upath& file, boost::shared_ptr<Ex
     , handler(h)
     , user_data(new XML_Parser_User_Data(parser.get(), handler))
 {
-    XML_SetElementHandler(parser.get(), on_element_start, on_element_end);
-    XML_SetCharacterDataHandler(parser.get(), on_character_data);
-    XML_SetUserData(parser.get(), user_data.get());
+    // Expat gives no parser only when memory runs out; load_file then fails.
+    if (parser.get() != nullptr) {
+        XML_SetElementHandler(parser.get(), on_element_start, on_element_end);
+        XML_SetCharacterDataHandler(parser.get(), on_character_data);
+        XML_SetUserData(parser.get(), user_data.get());
+    }
 }
 
 ExpatLoader::~ExpatLoader() = default;
 
 bool ExpatLoader::load_file()
 {
+    if (parser.get() == nullptr) {
+        return false;
+    }
     fl::filesystem::basic_ifstream<char> in(file_path);
     if (in.rdstate() != std::ios_base::goodbit) {
         return false;
@@ -124,7 +142,7 @@ bool ExpatLoader::load_file()
     const char newline = in.widen('\n');
     while (ok && std::getline(in, line, newline)) {
         user_data->new_line = true;
-        const int length = boost::numeric_cast<int>(line.size());
+        const int length = checked_length(line.size());
         if (XML_Parse(parser.get(), line.data(), length, in.eof() ? XML_TRUE : XML_FALSE)
             == XML_STATUS_ERROR) {
             ok = false;
