@@ -192,9 +192,19 @@ std::string canonical(const std::string& path)
             throw MakeException(PathNotFound());
         exception_dispatcher(error, path, std::string());
     }
-    malloced_text const resolved(::realpath(path.c_str(), nullptr));
+    malloced_text resolved;
+    int error = 0;
+    if (!path.empty() && path[0] == '/') {
+        resolved.reset(::realpath(path.c_str(), nullptr));
+        error = errno;
+    } else {
+        // A relative name depends on the working directory; keep it still meanwhile.
+        boost::mutex::scoped_lock const lock(detail::working_directory_mutex());
+        resolved.reset(::realpath(path.c_str(), nullptr));
+        error = errno;
+    }
     if (!resolved)
-        exception_dispatcher(errno, path, std::string());
+        exception_dispatcher(error, path, std::string());
     return std::string(resolved.get());
 }
 
@@ -203,13 +213,15 @@ std::string get_cwd()
     char buffer[1024];
     if (::getcwd(buffer, sizeof buffer) != nullptr)
         return std::string(buffer);
-    int const error = errno;
+    int error = errno;
     if (error == ERANGE) {
+        // Deeper than the stack buffer: let the C library size it.
         malloced_text const text(::getcwd(nullptr, 0));
         if (text)
             return std::string(text.get());
+        error = errno;
     }
-    exception_dispatcher(errno, std::string(), std::string());
+    exception_dispatcher(error, std::string(), std::string());
 }
 
 void modify_last_write_time(const std::string& path, const boost::posix_time::ptime& t)
