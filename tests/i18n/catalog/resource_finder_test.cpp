@@ -6,8 +6,13 @@
 
 #include <qvtest/scoped_temp_dir.hpp>
 
+#include <qvi18n/filesystem/exceptions.hpp>
+
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unicode/unistr.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -241,6 +246,42 @@ TEST_F(ResourceFinder, BasePathsAreComparedByExactText)
     // A base path added later takes part in the next search.
     dir.write_file("third/t_de.txt", "");
     EXPECT_EQ(dir / "third/t_de.txt", text(finder.find(u"t_%S.txt")));
+}
+
+TEST_F(ResourceFinder, APermissionProblemOnTheWayEndsTheSearch)
+{
+    // A closed first base path must not read as "not there": the caller hears of it.
+    dir.write_file("second/p_de_AT.txt", "");
+    ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0755));
+    ASSERT_EQ(0, ::chmod(second.c_str(), 0755));
+    const std::string closed = dir.make_dir("closed");
+    ASSERT_EQ(0, ::chmod(closed.c_str(), 0));
+    const std::vector<upath> bases = {up(closed + "/inner"), up(second)};
+
+    const pid_t pid = ::fork();
+    ASSERT_NE(-1, pid);
+    if (pid == 0) {
+        // Root passes every permission check, so the child becomes an ordinary user.
+        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+            ::_exit(3);
+        }
+        try {
+            resource_finder::find_resource(bases, u"p_%S.txt", *de_AT);
+            ::_exit(1);
+        } catch (const fl::filesystem::AccessDenied&) {
+            ::_exit(0);
+        } catch (...) {
+            ::_exit(2);
+        }
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    ::chmod(closed.c_str(), 0755);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 3) {
+        GTEST_SKIP() << "cannot drop privileges to test a closed directory";
+    }
+    EXPECT_EQ(0, WEXITSTATUS(status)) << "1: found nothing or the file, 2: another exception";
 }
 
 } // namespace
