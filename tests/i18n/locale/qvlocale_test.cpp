@@ -156,6 +156,8 @@ TEST_F(LocaleTest, ReplacingOneCategoryByName)
     EXPECT_EQ("EUC-JP", ctype->encoding());
 
     EXPECT_THROW(QvLocale::createLocale(*de, "ja_JP.Shift_JIS", QvLocale::LcCtype), fl::i18n::QvLcInvLcName);
+    // No fall-back on the locale's default encoding for the character type.
+    EXPECT_THROW(QvLocale::createLocale(*de, "ja_JP", QvLocale::LcCtype), fl::i18n::QvLcInvLcName);
     EXPECT_THROW(QvLocale::createLocale(*de, "xx_XX", QvLocale::LcTime), fl::i18n::QvLcInvLcName);
     EXPECT_THROW(QvLocale::createLocale(*de, "", QvLocale::LcTime), fl::i18n::QvLcInvLcName);
 }
