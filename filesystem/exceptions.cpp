@@ -74,9 +74,8 @@ SystemError::~SystemError() { }
 
 void convert_filesystem_exception_to_errno()
 {
-    // The order matters only where classes could overlap; it is kept as the table of the
-    // stdio-style callers expects. Conversion failures read as a missing file, and the errno a
-    // SystemError carries is deliberately not restored.
+    // Conversion failures read as a missing file, and a SystemError's own errno is deliberately
+    // not passed on: the caller learns only that input or output failed.
     try {
         throw;
     } catch (const FileNameTooLarge&) {
