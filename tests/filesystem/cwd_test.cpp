@@ -6,11 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <functional>
-
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 // qvtest/text.hpp's u16string printer clashes with the one of this GoogleTest version, so only
@@ -113,30 +109,6 @@ TEST_F(WorkingDirectory, DirectoriesDeeperThanTheFirstBuffer)
     EXPECT_EQ(expected, fs::get_cwd());
     EXPECT_EQ(expected, utf16_to_utf8(fs::get_current_path().get_path_name()));
     EXPECT_EQ(expected + "/x", utf16_to_utf8(fs::absolute(u"x")));
-}
-
-TEST_F(WorkingDirectory, ALockedDirectoryIsAccessDenied)
-{
-    ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0755));
-    std::string const locked = dir.make_dir("locked");
-    ASSERT_EQ(0, ::chmod(locked.c_str(), 0700));
-
-    std::fflush(nullptr);
-    pid_t const pid = ::fork();
-    if (pid == 0) {
-        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
-            ::_exit(99);
-        try {
-            fs::change_current_path(u(locked));
-        } catch (fs::AccessDenied const&) {
-            ::_exit(current_directory() == saved ? 0 : 2);
-        } catch (...) { }
-        ::_exit(1);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(0, WEXITSTATUS(status));
 }
 
 } // namespace

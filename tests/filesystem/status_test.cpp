@@ -9,13 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <functional>
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 // qvtest/text.hpp's u16string printer clashes with the one of this GoogleTest version, so only
@@ -31,18 +27,16 @@ namespace fs = fl::filesystem;
 using fl::i18n::ustring;
 using fs::file_status;
 using fs::upath;
-using qvtest::utf8_to_utf16;
 
 ustring u(std::string const& utf8)
 {
-    return utf8_to_utf16(utf8);
+    return qvtest::utf8_to_utf16(utf8);
 }
-
-boost::posix_time::ptime const epoch(boost::gregorian::date(1970, 1, 1));
 
 boost::posix_time::ptime at(long long seconds_since_epoch)
 {
-    return epoch + boost::posix_time::seconds(static_cast<long>(seconds_since_epoch));
+    return boost::posix_time::ptime(boost::gregorian::date(1970, 1, 1))
+        + boost::posix_time::seconds(static_cast<long>(seconds_since_epoch));
 }
 
 void set_times(std::string const& path, time_t atime, time_t mtime)
@@ -51,42 +45,11 @@ void set_times(std::string const& path, time_t atime, time_t mtime)
     ASSERT_EQ(0, ::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW)) << path;
 }
 
-// Runs body in a forked child and returns its exit code; 128 + signal if it died.
-int run_in_child(std::function<int()> const& body)
-{
-    std::fflush(nullptr);
-    pid_t const pid = ::fork();
-    if (pid == 0)
-        ::_exit(body());
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-// In the child: become an ordinary user, since root passes every permission check.
-bool drop_privileges()
-{
-    if (::geteuid() != 0)
-        return true;
-    return ::setgid(65534) == 0 && ::setuid(65534) == 0;
-}
-
-template <class E, class F> bool throws(F f)
-{
-    try {
-        f();
-    } catch (E const&) {
-        return true;
-    } catch (...) { }
-    return false;
-}
-
 class Status : public ::testing::Test {
 protected:
     void SetUp() override
     {
         file = dir.write_file("file.txt", "0123456789");
-        sub = dir.make_dir("sub");
         ASSERT_EQ(0, ::symlink(file.c_str(), (dir / "link").c_str()));
         ASSERT_EQ(0, ::symlink((dir / "nowhere").c_str(), (dir / "dangling").c_str()));
         ASSERT_EQ(0, ::mkfifo((dir / "fifo").c_str(), 0600));
@@ -94,7 +57,6 @@ protected:
 
     qvtest::scoped_temp_dir dir;
     std::string file;
-    std::string sub;
 };
 
 TEST_F(Status, ReportsTypeModeSizeAndTimes)
@@ -110,22 +72,21 @@ TEST_F(Status, ReportsTypeModeSizeAndTimes)
     EXPECT_EQ(at(1234567890), st.modification_time);
     EXPECT_FALSE(st.change_time.is_special());
 
-    EXPECT_EQ(file_status::directory_file, fs::status(u(sub)).type);
+    EXPECT_EQ(file_status::directory_file, fs::status(u(dir.path())).type);
     EXPECT_EQ(file_status::fifo_file, fs::status(u(dir / "fifo")).type);
     EXPECT_EQ(file_status::character_file, fs::status(u"/dev/null").type);
 }
 
 TEST_F(Status, FollowsLinksUnlessAskedForTheLinkItself)
 {
-    EXPECT_EQ(file_status::regular_file, fs::status(u(dir / "link")).type);
     EXPECT_EQ(10u, fs::status(u(dir / "link")).size);
-    EXPECT_EQ(file_status::symlink_file, fs::symlink_status(u(dir / "link")).type);
     EXPECT_EQ(file_status::symlink_file, fs::symlink_status(upath(u(dir / "link"))).type);
 
     // A dangling link: its target is missing, the link itself is there.
     EXPECT_EQ(file_status::file_not_found, fs::status(u(dir / "dangling")).type);
     EXPECT_FALSE(fs::exists(u(dir / "dangling")));
     EXPECT_EQ(file_status::symlink_file, fs::symlink_status(u(dir / "dangling")).type);
+    EXPECT_EQ(file_status::symlink_file, fs::posix::get_file_type(dir / "dangling"));
 }
 
 TEST_F(Status, MissingFilesAreAResultNotAFailure)
@@ -143,6 +104,8 @@ TEST_F(Status, MissingFilesAreAResultNotAFailure)
     EXPECT_FALSE(fs::exists(u(dir / "missing")));
     EXPECT_FALSE(fs::exists(ustring()));
     EXPECT_FALSE(fs::exists(upath()));
+    // The path-itself query has no missing-file answer.
+    EXPECT_THROW(fs::posix::get_file_type(dir / "missing"), fs::PathNotFound);
 }
 
 TEST_F(Status, AFileUsedAsADirectoryIsAnErrorForStatusButNotForExists)
@@ -150,11 +113,12 @@ TEST_F(Status, AFileUsedAsADirectoryIsAnErrorForStatusButNotForExists)
     ustring const through_file = u(file + "/x");
     EXPECT_FALSE(fs::exists(through_file));
     EXPECT_FALSE(fs::exists(upath(through_file)));
-    EXPECT_THROW(fs::status(through_file), fs::NotDirectoryError);
     EXPECT_THROW(fs::symlink_status(upath(through_file)), fs::NotDirectoryError);
+    EXPECT_THROW(fs::status_express_light(through_file), fs::NotDirectoryError);
     try {
         fs::status(through_file);
-    } catch (fs::FsysExceptionBase const& e) {
+        ADD_FAILURE() << "no exception";
+    } catch (fs::NotDirectoryError const& e) {
         // Only SystemError carries a path.
         EXPECT_TRUE(e.get_path().empty());
         EXPECT_EQ(0u, e.get_error_number());
@@ -177,8 +141,7 @@ TEST_F(Status, OtherSystemFailuresRaiseEvenFromExists)
         fs::status(u(dir / "loop_a"));
         ADD_FAILURE() << "a link loop had a status";
     } catch (fs::SystemError const& e) {
-        EXPECT_EQ(static_cast<unsigned>(ELOOP), e.get_error_number());
-        EXPECT_TRUE(e.get_path().empty());
+        EXPECT_TRUE(e.get_path().empty()); // status passes no path on
     }
 }
 
@@ -187,56 +150,44 @@ TEST_F(Status, TextFormsAreCleanedButTheExpressFormIsNot)
     qvtest::scoped_env home("HOME", dir.path());
     EXPECT_TRUE(fs::exists(u"~/file.txt"));
     EXPECT_EQ(file_status::regular_file, fs::status(u"~//file.txt").type);
-    EXPECT_EQ(file_status::directory_file, fs::status(u(dir.path() + "//sub///")).type);
+    EXPECT_EQ(file_status::symlink_file, fs::symlink_status(u(dir.path() + "//link/")).type);
 
     EXPECT_EQ(file_status::file_not_found, fs::status_express_light(u"~/file.txt").type);
     fs::file_status_light const light = fs::status_express_light(u(file));
     EXPECT_EQ(file_status::regular_file, light.type);
     EXPECT_EQ(10u, light.size);
     EXPECT_FALSE(light.modification_time.is_special());
-}
-
-TEST_F(Status, ExpressStatusOfMissingAndOddNames)
-{
-    for (ustring const& missing : {ustring(), u(dir / "missing")}) {
-        fs::file_status_light const light = fs::status_express_light(missing);
-        EXPECT_EQ(file_status::file_not_found, light.type);
-        EXPECT_TRUE(light.modification_time.is_not_a_date_time());
-        EXPECT_EQ(0u, light.size);
-    }
-    EXPECT_THROW(fs::status_express_light(u(file + "/x")), fs::NotDirectoryError);
     EXPECT_EQ(file_status::fifo_file, fs::status_express_light(u(dir / "fifo")).type);
-    EXPECT_EQ(file_status::directory_file, fs::status_express_light(u(sub)).type);
+
+    fs::file_status_light const none = fs::status_express_light(ustring());
+    EXPECT_EQ(file_status::file_not_found, none.type);
+    EXPECT_TRUE(none.modification_time.is_not_a_date_time());
+    EXPECT_EQ(0u, none.size);
 }
 
-TEST_F(Status, NonAsciiNamesReachTheirFiles)
+TEST_F(Status, NamesBeyondAscii)
 {
     std::string const name
         = dir.write_file("\xc3\xa9t\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac \xf0\x9f\x98\x80.txt", "abc");
     EXPECT_TRUE(fs::exists(upath(u(name))));
     EXPECT_EQ(3u, fs::status(u(name)).size);
-    // The same name in another normalisation is another file here.
-    EXPECT_FALSE(fs::exists(u(dir / "e\xcc\x81t\xc3\xa9")));
-}
+    // Another normalisation of the same name is another file here.
+    EXPECT_FALSE(fs::exists(u(dir / "e\xcc\x81t\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac \xf0\x9f\x98\x80.txt")));
 
-TEST_F(Status, ANameThatIsNotUtf8CannotBeSpelledInText)
-{
-    std::string const raw = dir.write_file("bad\xff", "x");
-    ASSERT_EQ(0, ::access(raw.c_str(), F_OK));
-    // Read as text the byte becomes U+FFFD, which names a different file.
-    ustring const text = u(dir / "bad") + u"\xFFFD";
-    EXPECT_FALSE(fs::exists(text));
-    EXPECT_EQ(file_status::file_not_found, fs::status(text).type);
+    // A name that is not UTF-8 cannot be spelled in text: its byte reads as U+FFFD, which
+    // names a different file.
+    dir.write_file("bad\xff", "x");
+    EXPECT_FALSE(fs::exists(u(dir / "bad") + u"\xFFFD"));
 }
 
 TEST_F(Status, TimesAfter2038WrapThrough32BitSeconds)
 {
-    long long const after_2038 = 2208988800LL; // 2040-01-01
-    set_times(file, 2147483647LL, after_2038);
+    long long const in_2040 = 2208988800LL;
+    set_times(file, 2147483647LL, in_2040);
     file_status const st = fs::status(u(file));
     EXPECT_EQ(at(2147483647LL), st.access_time);
-    EXPECT_EQ(at(after_2038 - 4294967296LL), st.modification_time);
-    EXPECT_EQ(at(after_2038 - 4294967296LL), fs::status_express_light(u(file)).modification_time);
+    EXPECT_EQ(at(in_2040 - 4294967296LL), st.modification_time);
+    EXPECT_EQ(at(in_2040 - 4294967296LL), fs::status_express_light(u(file)).modification_time);
 
     set_times(file, 0, -86400);
     EXPECT_EQ(at(-86400), fs::status(u(file)).modification_time);
@@ -254,12 +205,6 @@ int fail_with_enoent(struct stat*)
     return -1;
 }
 
-int fail_with_eacces(struct stat*)
-{
-    errno = EACCES;
-    return -1;
-}
-
 int odd_file_type(struct stat* st)
 {
     *st = {};
@@ -271,11 +216,8 @@ TEST(PerformStatus, TellsItsCallersApartOnInvalidArgument)
 {
     EXPECT_THROW(fs::posix::perform_status(&fail_with_einval), fs::InvalidArgument);
     EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status_complete(&fail_with_einval).type);
-
     EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status(&fail_with_enoent).type);
     EXPECT_EQ(file_status::file_not_found, fs::posix::perform_status_complete(&fail_with_enoent).type);
-
-    EXPECT_THROW(fs::posix::perform_status_complete(&fail_with_eacces), fs::AccessDenied);
     EXPECT_THROW(fs::posix::perform_status(boost::function<int(struct stat*)>()), boost::bad_function_call);
 }
 
@@ -284,39 +226,6 @@ TEST(PerformStatus, UnknownFileTypesReadAsUnknown)
     file_status const st = fs::posix::perform_status(&odd_file_type);
     EXPECT_EQ(file_status::file_type_unknown, st.type);
     EXPECT_EQ(0755u, st.permissions);
-}
-
-TEST_F(Status, FileTypeOfThePathItself)
-{
-    EXPECT_EQ(file_status::symlink_file, fs::posix::get_file_type(dir / "dangling"));
-    EXPECT_EQ(file_status::regular_file, fs::posix::get_file_type(file));
-    EXPECT_THROW(fs::posix::get_file_type(dir / "missing"), fs::PathNotFound);
-    EXPECT_THROW(fs::posix::get_file_type(file + "/x"), fs::NotDirectoryError);
-}
-
-TEST_F(Status, ARefusedSearchIsAccessDeniedNotMissing)
-{
-    ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0755));
-    std::string const locked = dir.make_dir("locked");
-    dir.write_file("locked/inner", "x");
-    ASSERT_EQ(0, ::chmod(locked.c_str(), 0700));
-
-    int const code = run_in_child([&] {
-        if (!drop_privileges())
-            return 99;
-        ustring const inner = u(locked + "/inner");
-        if (!throws<fs::AccessDenied>([&] { fs::exists(inner); }))
-            return 1;
-        if (!throws<fs::AccessDenied>([&] { fs::status(upath(inner)); }))
-            return 2;
-        if (!throws<fs::AccessDenied>([&] { fs::status_express_light(inner); }))
-            return 3;
-        // The locked directory itself is visible.
-        if (!fs::exists(u(locked)))
-            return 4;
-        return 0;
-    });
-    EXPECT_EQ(0, code) << "check " << code << " failed in the unprivileged child";
 }
 
 } // namespace

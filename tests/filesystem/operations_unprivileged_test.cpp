@@ -1,0 +1,161 @@
+// Refusals by the system. CI runs as root, which passes every permission check, so each case
+// runs in a forked child that first becomes the unprivileged user 65534.
+#include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/fstream.hpp>
+#include <qvi18n/filesystem/operations.hpp>
+#include <qvi18n/filesystem/stdio.hpp>
+
+#include "qvtest/scoped_temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace qvtest {
+std::u16string utf8_to_utf16(std::string const& utf8);
+} // namespace qvtest
+
+namespace {
+
+namespace fs = fl::filesystem;
+using fl::i18n::ustring;
+using fs::upath;
+
+ustring u(std::string const& utf8)
+{
+    return qvtest::utf8_to_utf16(utf8);
+}
+
+// Each check returns true when it holds; the child exits with the number of the first that
+// does not, so that the parent can say which.
+typedef std::function<bool()> check;
+
+template <class E, class F> bool throws(F f)
+{
+    try {
+        f();
+    } catch (E const&) {
+        return true;
+    } catch (...) { }
+    return false;
+}
+
+int run_in_child(std::function<bool()> const& prepare, std::vector<check> const& checks)
+{
+    std::fflush(nullptr);
+    pid_t const pid = ::fork();
+    if (pid == 0) {
+        if (!prepare())
+            ::_exit(77);
+        for (std::size_t i = 0; i < checks.size(); ++i) {
+            if (!checks[i]())
+                ::_exit(static_cast<int>(i + 1));
+        }
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool become_ordinary_user()
+{
+    return ::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0);
+}
+
+class OrdinaryUser : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0755));
+        secret = dir.write_file("secret", "x");
+        ASSERT_EQ(0, ::chmod(secret.c_str(), 0600));
+        locked = dir.make_dir("locked");
+        dir.write_file("locked/inner", "x");
+        ASSERT_EQ(0, ::chmod(locked.c_str(), 0700));
+    }
+
+    void expect_all_hold(std::vector<check> const& checks)
+    {
+        int const code = run_in_child(&become_ordinary_user, checks);
+        EXPECT_EQ(0, code) << "check " << code << " failed in the unprivileged child";
+    }
+
+    qvtest::scoped_temp_dir dir;
+    std::string secret;
+    std::string locked;
+};
+
+TEST_F(OrdinaryUser, ALockedDirectoryOnTheWayIsAccessDeniedNotMissing)
+{
+    ustring const inner = u(locked + "/inner");
+    expect_all_hold({
+        [&] { return throws<fs::AccessDenied>([&] { fs::exists(inner); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::status(upath(inner)); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::status_express_light(inner); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::canonical(inner); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::change_current_path(u(locked)); }); },
+        [&] { return fs::exists(u(locked)); }, // the directory itself is visible
+    });
+}
+
+TEST_F(OrdinaryUser, AccessTellsRefusalsFromUnknowableExistence)
+{
+    ustring const inner = u(locked + "/inner");
+    expect_all_hold({
+        [&] { return !fs::access(u(secret), 2); },
+        [&] { return !fs::access(u(secret), 1 | 2); }, // there, visible, refused
+        [&] { return fs::access(u(secret), 1); },
+        [&] { return !fs::access(inner, 2); }, // existence not asked: a plain no
+        [&] { return throws<fs::AccessDenied>([&] { fs::access(inner, 1 | 2); }); },
+    });
+}
+
+TEST_F(OrdinaryUser, StdioAndStreamsReportRefusalsTheirOwnWay)
+{
+    expect_all_hold({
+        [&] {
+            errno = 0;
+            return fs::fopen(u(secret), "r") == nullptr && errno == EACCES;
+        },
+        [&] {
+            errno = 0;
+            return fs::fopen(upath(u(locked + "/new")), "w") == nullptr && errno == EACCES;
+        },
+        [&] {
+            fs::ifstream in(upath(u(secret)));
+            return !in.is_open() && in.fail();
+        },
+    });
+}
+
+TEST(ReadOnlyFileSystem, WritingIsARefusal)
+{
+    qvtest::scoped_temp_dir dir;
+    std::string const mount_point = dir.make_dir("ro");
+    auto const mount_read_only = [&] {
+        // A private mount namespace keeps the read-only mount to the child.
+        return ::unshare(CLONE_NEWNS) == 0
+            && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+            && ::mount("tmpfs", mount_point.c_str(), "tmpfs", MS_RDONLY, nullptr) == 0;
+    };
+    int const code = run_in_child(mount_read_only,
+        {
+            [&] { return !fs::access(u(mount_point), 2 | 4); },
+            [&] { return !fs::access(u(mount_point), 1 | 4); },
+            [&] { return fs::access(u(mount_point), 1 | 2 | 8); },
+        });
+    if (code == 77)
+        GTEST_SKIP() << "cannot mount a read-only file system here (needs CAP_SYS_ADMIN)";
+    EXPECT_EQ(0, code) << "check " << code << " failed in the child";
+}
+
+} // namespace
