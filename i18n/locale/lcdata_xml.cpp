@@ -155,7 +155,9 @@ void parseXmlDocument(EventHandler& handler, fl::filesystem::native_path const& 
         in.read(buffer, sizeof buffer);
         if (in.bad())
             throw boost::enable_current_exception(LcRscFileReadFailure(escapePath(name)));
-        bool const last = in.eof();
+        // failbit without eofbit cannot follow a read that was not bad; it ends the loop all the
+        // same, so that a stream in an odd state can never spin here.
+        bool const last = in.eof() || in.fail();
         if (XML_Parse(parser, buffer, static_cast<int>(in.gcount()), last ? XML_TRUE : XML_FALSE)
             == XML_STATUS_ERROR) {
             XML_Error const code = XML_GetErrorCode(parser);
