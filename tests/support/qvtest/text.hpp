@@ -2,7 +2,6 @@
 #define QVTEST_TEXT_HPP
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 
 namespace qvtest {
@@ -41,13 +40,5 @@ private:
 };
 
 } // namespace qvtest
-
-// Lets GoogleTest print std::u16string as hex + UTF-8 in failure messages.
-namespace std {
-inline void PrintTo(std::u16string const& s, std::ostream* os)
-{
-    *os << "u\"" << qvtest::utf16_to_utf8(s) << "\" [" << qvtest::hex_dump(s) << "]";
-}
-} // namespace std
 
 #endif
