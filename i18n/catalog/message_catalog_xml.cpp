@@ -1,8 +1,12 @@
 #include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
 
+#include <qvi18n/filesystem/operations.hpp>
+
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace fl {
@@ -32,27 +36,48 @@ void trim(std::string& s)
 }
 
 // Most catalog text is ASCII, which widens unit by unit far faster than a general UTF-8 decoder.
-// False, with `out` left empty, when the text holds any other byte (or is too long for ICU).
-bool widen_ascii(const char* text, std::size_t length, icu::UnicodeString& out)
+// One pass also finds the text's end (its first NUL) and whether it holds a backslash. False, with
+// `out` left empty, when the text holds any byte above ASCII (or is too long for ICU).
+bool widen_ascii(const std::string& text, icu::UnicodeString& out, bool& has_backslash)
 {
-    if (length > 0x7fffffff) {
+    if (text.size() > 0x7fffffff) {
         return false;
     }
-    const int32_t size = static_cast<int32_t>(length);
+    const int32_t size = static_cast<int32_t>(text.size());
     char16_t* buffer = out.getBuffer(size);
     if (buffer == nullptr) {
         return false;
     }
-    for (int32_t i = 0; i < size; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
+    int32_t i = 0;
+    for (; i < size; ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[static_cast<std::size_t>(i)]);
+        if (c == 0) {
+            break;
+        }
         if (c >= 0x80) {
             out.releaseBuffer(0);
             return false;
         }
+        has_backslash = has_backslash || c == '\\';
         buffer[i] = c;
     }
-    out.releaseBuffer(size);
+    out.releaseBuffer(i);
     return true;
+}
+
+// A guess at a file's entry count, from its size: an entry line rarely takes fewer bytes than
+// this. Growing the table step by step costs more than the whole parse of a large catalog.
+std::size_t expected_entries(const fl::filesystem::upath& path)
+{
+    const std::uint64_t bytes_per_entry = 48;
+    const std::uint64_t most = 1u << 20;
+    try {
+        const std::uint64_t size = fl::filesystem::status(path).size;
+        return static_cast<std::size_t>(std::min(size / bytes_per_entry, most));
+    } catch (const std::exception&) {
+        // Only a hint: the load itself reports what is wrong with the file.
+        return 0;
+    }
 }
 
 } // namespace
@@ -61,17 +86,26 @@ MessageCatalogDataStore::~MessageCatalogDataStore() = default;
 
 XMLCatalogDataStore::~XMLCatalogDataStore() = default;
 
+void XMLCatalogDataStore::reserve(std::size_t expected)
+{
+    if (expected > entries.size()) {
+        entries.reserve(expected);
+    }
+}
+
 void XMLCatalogDataStore::addEntry(const std::string& key, const std::string& value)
 {
     // The text is taken as a C string: it ends at the first NUL.
-    const char* text = value.c_str();
-    const std::size_t length = std::strlen(text);
     icu::UnicodeString decoded;
-    if (!widen_ascii(text, length, decoded)) {
+    bool has_backslash = false;
+    if (!widen_ascii(value, decoded, has_backslash)) {
+        const char* text = value.c_str();
+        const std::size_t length = std::strlen(text);
         decoded = icu::UnicodeString::fromUTF8(icu::StringPiece(text, static_cast<int32_t>(length)));
+        has_backslash = std::memchr(text, '\\', length) != nullptr;
     }
     // unescape() copies the whole text; most entries have no backslash and need no second pass.
-    if (std::memchr(text, '\\', length) != nullptr) {
+    if (has_backslash) {
         decoded = decoded.unescape();
     }
     // try_emplace builds no node for a duplicate, and keeps the first text.
@@ -84,6 +118,9 @@ XMLCatalogFileLoader::~XMLCatalogFileLoader() = default;
 
 bool XMLCatalogFileLoader::loadFile(const fl::filesystem::upath& path, MessageCatalogDataStore& store)
 {
+    if (XMLCatalogDataStore* table = dynamic_cast<XMLCatalogDataStore*>(&store)) {
+        table->reserve(expected_entries(path));
+    }
     boost::shared_ptr<ExpatEventHandler> handler
         = boost::make_shared<MessageCatalogExpatEventHandler>(&store);
     ExpatLoader loader(path, handler);

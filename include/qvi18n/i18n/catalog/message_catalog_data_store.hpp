@@ -9,6 +9,7 @@
 #include <boost/unordered_map.hpp>
 #include <unicode/unistr.h>
 
+#include <cstddef>
 #include <string>
 
 namespace fl {
@@ -29,6 +30,10 @@ public:
     // first text given for a key; later duplicates are dropped.
     void addEntry(const std::string& key, const std::string& value) override;
     ~XMLCatalogDataStore() override;
+
+    // Makes room for about `expected` entries at once, so that a large catalog isn't rehashed
+    // again and again while it loads.
+    void reserve(std::size_t expected);
 
     // Key to text. Read directly by the catalog once loading is over; never written again then.
     entry_map entries;
