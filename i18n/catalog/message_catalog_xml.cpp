@@ -36,32 +36,35 @@ void trim(std::string& s)
 }
 
 // Most catalog text is ASCII, which widens unit by unit far faster than a general UTF-8 decoder.
-// One pass also finds the text's end (its first NUL) and whether it holds a backslash. False, with
-// `out` left empty, when the text holds any byte above ASCII (or is too long for ICU).
+// The test pass and the copy are free of early exits, so that the compiler can vectorise both.
+// False, with `out` untouched, when the text holds a NUL or any byte above ASCII.
 bool widen_ascii(const std::string& text, icu::UnicodeString& out, bool& has_backslash)
 {
-    if (text.size() > 0x7fffffff) {
+    const std::size_t size = text.size();
+    if (size > 0x7fffffff) {
         return false;
     }
-    const int32_t size = static_cast<int32_t>(text.size());
-    char16_t* buffer = out.getBuffer(size);
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    unsigned char high = 0;
+    bool nul = false;
+    bool backslash = false;
+    for (std::size_t i = 0; i < size; ++i) {
+        high |= bytes[i];
+        nul |= bytes[i] == 0;
+        backslash |= bytes[i] == '\\';
+    }
+    if ((high & 0x80) != 0 || nul) {
+        return false;
+    }
+    char16_t* buffer = out.getBuffer(static_cast<int32_t>(size));
     if (buffer == nullptr) {
         return false;
     }
-    int32_t i = 0;
-    for (; i < size; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[static_cast<std::size_t>(i)]);
-        if (c == 0) {
-            break;
-        }
-        if (c >= 0x80) {
-            out.releaseBuffer(0);
-            return false;
-        }
-        has_backslash = has_backslash || c == '\\';
-        buffer[i] = c;
+    for (std::size_t i = 0; i < size; ++i) {
+        buffer[i] = bytes[i];
     }
-    out.releaseBuffer(i);
+    out.releaseBuffer(static_cast<int32_t>(size));
+    has_backslash = backslash;
     return true;
 }
 
