@@ -31,22 +31,27 @@ void QvLocaleCtx::initDefaultCtx()
     std::string const posix = LcData::get_posix_locale_short();
     std::string const ascii = LcData::get_default_codeset();
 
-    classicLocale.reset(new QvLocaleImpl(lcData));
-    classicLocale->setLcName(posix, std::string());
-    classicLocale->setEncoding(ascii);
+    // Built aside and then installed through replace(), so that running this again frees nothing a
+    // reader may hold.
+    std::unique_ptr<QvLocaleImpl> classic(new QvLocaleImpl(lcData));
+    classic->setLcName(posix, std::string());
+    classic->setEncoding(ascii);
 
-    systemLocale.reset(new QvLocaleImpl(lcData));
-    systemLocale->setLcName(posix, std::string());
-    systemLocale->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
-    systemLocale->setEncoding(ascii);
-    systemLocale->setTerminalEncoding(ascii);
+    std::unique_ptr<QvLocaleImpl> system(new QvLocaleImpl(lcData));
+    system->setLcName(posix, std::string());
+    system->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
+    system->setEncoding(ascii);
+    system->setTerminalEncoding(ascii);
 
-    currentLocale.reset(new QvLocaleImpl(lcData));
-    currentLocale->setLcName(posix, std::string());
-    currentLocale->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
-    currentLocale->setEncoding(ascii);
-    currentLocale->setTerminalEncoding(ascii);
+    std::unique_ptr<QvLocaleImpl> current(new QvLocaleImpl(lcData));
+    current->setLcName(posix, std::string());
+    current->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
+    current->setEncoding(ascii);
+    current->setTerminalEncoding(ascii);
 
+    replace(classicLocale, std::move(classic));
+    replace(systemLocale, std::move(system));
+    replace(currentLocale, std::move(current));
     setGlobalLocale(classicLocale.get());
 
     ucnv_setDefaultName(ascii.c_str());
