@@ -1,5 +1,7 @@
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 
+#include <qvi18n/filesystem/operations.hpp>
+
 #include <boost/exception/exception.hpp>
 #include <boost/numeric/conversion/cast.hpp>
 #include <boost/variant/apply_visitor.hpp>
@@ -94,6 +96,12 @@ void MessageCatalogImpl::initializeXMLCatalog()
 {
     loader.reset(new XMLCatalogFileLoader);
     store.reset(new XMLCatalogDataStore);
+    try {
+        // An entry takes some 40 bytes of the file at the least; sizing the table for that spares
+        // the rehashes of a growing table. Only a guess: a failure here is the loader's to report.
+        const std::uint64_t bytes = fl::filesystem::status(file_path).size;
+        store->entries.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(bytes / 40, 1u << 20)));
+    } catch (const std::exception&) { }
     try {
         loaded = loader->loadFile(file_path, *store);
     } catch (const std::exception&) {
