@@ -324,9 +324,3 @@ TEST(LcDataXml, FailuresCrossThreadsAsTheirOwnClass)
     ASSERT_TRUE(caught);
     EXPECT_THROW(boost::rethrow_exception(caught), fl::i18n::LcRscInvalidXmlDoc);
 }
-
-TEST(LcDataXml, ParserCtxOwnsAParserForTheEncoding)
-{
-    fl::i18n::ParserCtx ctx("UTF-8");
-    EXPECT_NE(ctx.get_parser(), nullptr);
-}
