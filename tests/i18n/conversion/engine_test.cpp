@@ -217,3 +217,29 @@ TEST(ConversionEngine, WholeBufferTemplatesRetryOnlyWhenTheFirstBufferIsShort)
         EXPECT_EQ(utf_calls, 2 * n <= first ? 1 : 2) << n;
     }
 }
+
+TEST(ConversionEngine, ResultGrowsRightWhenTheTextChangesDensity)
+{
+    // The first buffer fills on text of one density and the rest is of another: the prediction
+    // made from the first part is too small (ASCII, then Japanese) or too large (the reverse).
+    codecvt_ustring_to_string to_utf8("UTF-8", true);
+    codecvt_string_to_ustring from_utf8("UTF-8", true);
+    const ustring ascii(40000, u'a');
+    const ustring kanji(40000, u'\u65E5');
+    for (const ustring& text : {ascii + kanji, kanji + ascii, ascii + kanji + ascii + kanji}) {
+        const std::string bytes = to_utf8.convert(text.data(), text.size());
+        std::string expected;
+        for (char16_t unit : text)
+            expected += unit == u'a' ? std::string("a") : japanese_utf8(1);
+        ASSERT_TRUE(bytes == expected);
+        // What is held beyond the result stays within the first-buffer bound.
+        EXPECT_LE(bytes.capacity() - bytes.size(), 32768u);
+
+        const ustring back = from_utf8.convert(bytes.data(), bytes.size());
+        ASSERT_TRUE(back == text);
+        EXPECT_LE(back.capacity() - back.size(), 32768u);
+    }
+    // A short input that overflows the stack buffer carries on in the heap.
+    const ustring short_kanji(1000, u'\u65E5');
+    EXPECT_TRUE(to_utf8.convert(short_kanji.data(), short_kanji.size()) == japanese_utf8(1000));
+}
