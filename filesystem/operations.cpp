@@ -36,10 +36,22 @@ class native_name {
 public:
     explicit native_name(const ustring& native_text)
     {
-        unsigned long const needed
-            = detail::conversion_to_utf8(stack_, sizeof stack_ - 1, native_text.data(), native_text.size());
-        if (needed < sizeof stack_) {
-            stack_[needed] = '\0';
+        // Names are mostly ASCII, which is its own UTF-8: copy that run directly and leave the
+        // rest to the converter. The cut falls before a non-ASCII unit, so no pair is split.
+        const char16_t* const text = native_text.data();
+        std::size_t const length = native_text.size();
+        std::size_t const ascii_limit = length < sizeof stack_ ? length : sizeof stack_ - 1;
+        std::size_t ascii = 0;
+        while (ascii < ascii_limit && text[ascii] < 0x80) {
+            stack_[ascii] = static_cast<char>(text[ascii]);
+            ++ascii;
+        }
+        unsigned long const needed = ascii == length
+            ? 0
+            : detail::conversion_to_utf8(
+                stack_ + ascii, sizeof stack_ - 1 - ascii, text + ascii, length - ascii);
+        if (ascii + needed < sizeof stack_) {
+            stack_[ascii + needed] = '\0';
             name_ = stack_;
         } else {
             heap_ = detail::make_native_access_form(native_text);

@@ -180,6 +180,34 @@ TEST_F(Status, NamesBeyondAscii)
     EXPECT_FALSE(fs::exists(u(dir / "bad") + u"\xFFFD"));
 }
 
+TEST_F(Status, NamesOfEveryLength)
+{
+    // Past 1024 bytes a name no longer fits the stack buffer; the turn comes in the ASCII run
+    // or in the converted tail depending on where the non-ASCII part starts.
+    std::string const ascii_segment(200, 'a');
+    std::string const accented_segment = "x" + [] {
+        std::string e;
+        for (int i = 0; i < 100; ++i)
+            e += "\xc3\xa9";
+        return e;
+    }();
+    for (std::string const& segment : {ascii_segment, accented_segment}) {
+        std::string deep = dir.path();
+        while (deep.size() < 1500) {
+            deep += "/" + segment;
+            ASSERT_EQ(0, ::mkdir(deep.c_str(), 0700)) << deep.size();
+            std::string const leaf = deep + "/f";
+            ASSERT_EQ(0, ::close(::open(leaf.c_str(), O_CREAT | O_WRONLY, 0600)));
+            EXPECT_TRUE(fs::exists(upath(u(leaf)))) << leaf.size();
+            EXPECT_EQ(file_status::regular_file, fs::status(u(leaf)).type) << leaf.size();
+            EXPECT_FALSE(fs::exists(upath(u(leaf + "x")))) << leaf.size();
+        }
+    }
+    // A lone surrogate is U+001A on its way to the system.
+    dir.write_file("\x1a", "x");
+    EXPECT_TRUE(fs::exists(upath(u(dir.path() + "/") + u"\xD800")));
+}
+
 TEST_F(Status, TimesAfter2038WrapThrough32BitSeconds)
 {
     long long const in_2040 = 2208988800LL;
