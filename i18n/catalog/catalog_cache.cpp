@@ -69,7 +69,36 @@ struct thread_memo {
     std::string key;
 };
 
-thread_local thread_memo memo;
+// The memo lives on the heap behind a plain pointer, freed when the thread ends. A request made
+// after that, from a destructor that runs at exit, gets a fresh memo that is never freed: catalogs
+// stay usable while static objects are torn down.
+thread_local thread_memo* memo_ptr = nullptr;
+
+struct memo_release {
+    ~memo_release()
+    {
+        delete memo_ptr;
+        memo_ptr = nullptr;
+    }
+};
+
+thread_local memo_release memo_releaser;
+thread_local bool memo_release_registered = false;
+
+thread_memo& this_thread_memo()
+{
+    thread_memo* m = memo_ptr;
+    if (!m) {
+        m = new thread_memo;
+        memo_ptr = m;
+        if (!memo_release_registered) {
+            // First use of the releaser registers its destructor for this thread's exit.
+            memo_release_registered = true;
+            static_cast<void>(&memo_releaser);
+        }
+    }
+    return *m;
+}
 
 bool is_directory(const fl::filesystem::upath& p)
 {
@@ -167,7 +196,7 @@ const boost::shared_ptr<const MessageCatalog>& thread_catalog(
     const std::string& catalog, const QvLocale& locale)
 {
     std::string locale_name = locale.shortName(QvLocale::LcMessages);
-    thread_memo& m = memo;
+    thread_memo& m = this_thread_memo();
     if (m.held && m.generation == cache_generation.load(std::memory_order_acquire) && m.catalog == catalog
         && m.locale == locale_name) {
         return m.held;

@@ -346,3 +346,28 @@ TEST(CatalogExceptions, CrossThreadsThroughExceptionPointers)
     ASSERT_TRUE(carried);
     EXPECT_THROW(boost::rethrow_exception(carried), MessageCatalog::MessageCatalogNotInitialized);
 }
+
+namespace {
+
+std::string late_text;
+
+struct late_reader {
+    ~late_reader() { late_text = message_text("app:ui", "k", test_locale("de")); }
+};
+
+} // namespace
+
+TEST(CatalogLifetime, UsableFromDestructorsThatRunAtThreadExit)
+{
+    qvtest::scoped_temp_dir dir;
+    write_catalog(dir, "r", "app:ui", "de", catalog_xml({{"k", "still here"}}));
+    ASSERT_TRUE(MessageCatalog::MessageCatalogInit(dir / "r"));
+
+    std::thread([] {
+        // Made before the thread's first request, so destroyed after the library's own state.
+        thread_local late_reader reader;
+        static_cast<void>(&reader);
+        EXPECT_EQ(message_text("app:ui", "k", test_locale("de")), "still here");
+    }).join();
+    EXPECT_EQ(late_text, "still here");
+}
