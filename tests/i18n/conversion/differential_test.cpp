@@ -4,6 +4,8 @@
 #include <qvi18n/i18n/conversion/codecvt.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
 
+#include <qvtest/text.hpp>
+
 #include <gtest/gtest.h>
 
 #include <unicode/ucnv.h>
@@ -19,59 +21,6 @@ namespace {
 
 const char* const encodings[] = {"UTF-8", "Shift_JIS", "GB18030", "ISO-8859-1", "windows-1252"};
 const std::size_t lengths[] = {1023, 1024, 1025, 32767, 32768, 32769, 65535, 65536, 65537, 100000, 1000000};
-
-// A seeded generator of reproducible texts: ASCII, Latin, CJK and supplementary characters.
-class random_text {
-public:
-    explicit random_text(std::uint32_t seed)
-        : state(seed * 2654435761ULL + 1)
-    { }
-    std::uint32_t next()
-    {
-        state ^= state << 13;
-        state ^= state >> 7;
-        state ^= state << 17;
-        return static_cast<std::uint32_t>(state >> 16);
-    }
-    ustring unicode(std::size_t length)
-    {
-        ustring out;
-        out.reserve(length);
-        while (out.size() < length) {
-            const std::uint32_t r = next();
-            switch (r % 4) {
-            case 0:
-                out += static_cast<char16_t>(0x20 + (r >> 8) % 0x5F);
-                break;
-            case 1:
-                out += static_cast<char16_t>(0xC0 + (r >> 8) % 0xC0);
-                break;
-            case 2:
-                out += static_cast<char16_t>(0x4E00 + (r >> 8) % 0x5000);
-                break;
-            default:
-                if (out.size() + 2 <= length) {
-                    const std::uint32_t cp = (r >> 8) % 0x20000;
-                    out += static_cast<char16_t>(0xD800 + (cp >> 10));
-                    out += static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
-                } else {
-                    out += u'x';
-                }
-            }
-        }
-        return out;
-    }
-    std::string bytes(std::size_t length)
-    {
-        std::string out(length, '\0');
-        for (auto& b : out)
-            b = static_cast<char>(next() & 0xFF);
-        return out;
-    }
-
-private:
-    std::uint64_t state;
-};
 
 struct icu_closer {
     void operator()(UConverter* c) const { ucnv_close(c); }
@@ -113,7 +62,7 @@ ustring icu_to_unicode(const char* encoding, const char* bytes, std::size_t leng
 // space, a BOM), lone surrogates of both kinds, and for odd lengths a lone high surrogate at the end.
 ustring random_unicode(std::uint32_t seed, std::size_t length)
 {
-    random_text random(seed);
+    qvtest::random_text random(seed);
     ustring text = random.unicode(length);
     static const char16_t specials[] = {u'\uE000', u'\u200B', u'\uFEFF', u'\xD800', u'\xDFFF', u'\u20AC'};
     for (std::size_t i = 0; i < length / 64; ++i) {
@@ -132,7 +81,7 @@ ustring random_unicode(std::uint32_t seed, std::size_t length)
 // fall inside a character.
 std::string random_bytes(const char* encoding, std::uint32_t seed, std::size_t length)
 {
-    random_text random(seed);
+    qvtest::random_text random(seed);
     const ustring text = random.unicode(length);
     std::string bytes = icu_from_unicode(encoding, text.data(), text.size());
     while (bytes.size() < length)
@@ -188,7 +137,7 @@ TEST(DifferentialAgainstIcu, DefaultPathMatchesIcuOnTheBuiltInEncoding)
 {
     // The built-in global locale's encoding is US-ASCII.
     for (std::size_t length : {1023u, 1024u, 1025u, 32769u, 65537u, 100000u}) {
-        random_text random(static_cast<std::uint32_t>(length));
+        qvtest::random_text random(static_cast<std::uint32_t>(length));
         const std::string bytes = random.bytes(length);
         ASSERT_TRUE(fl::i18n::to_ustring(bytes) == icu_to_unicode("US-ASCII", bytes.data(), bytes.size()))
             << length;
