@@ -1,3 +1,4 @@
+#include <qvi18n/i18n/conversion/cvtctx.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
@@ -66,8 +67,11 @@ TEST(Encodings, StandardNameFromConverterName)
     std::string icuName = ucnv_getName(sjis, &status);
     ucnv_close(sjis);
     EXPECT_EQ("Shift_JIS", get_standard_encoding_name_from_converter_name(icuName));
-    // No standard lists it: the name comes back as it was.
+    // No standard lists it: the name comes back as it was, where the converter context answers empty.
     EXPECT_EQ("x-no-such-converter", get_standard_encoding_name_from_converter_name("x-no-such-converter"));
+    fl::i18n::CvtCtx utf8("UTF-8");
+    EXPECT_EQ("", utf8.get_std_encoding_name("x-no-such-converter"));
+    EXPECT_EQ("UTF-8", utf8.get_std_encoding_name("UTF-8"));
 }
 
 TEST(GlobalLock, OneMutexForTheProcess)
