@@ -9,7 +9,7 @@ namespace i18n {
 
 namespace {
 
-// Small tables: the database lists a few hundred names at most.
+// The tables start small and grow as the database is read.
 constexpr std::size_t initialBuckets = 16;
 
 template <typename Table> void prepare(Table& table)
