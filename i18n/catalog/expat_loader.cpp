@@ -7,6 +7,7 @@
 
 #include <istream>
 #include <string>
+#include <utility>
 
 namespace fl {
 namespace i18n {
@@ -113,7 +114,7 @@ int checked_length(std::string::size_type size)
 ExpatLoader::ExpatLoader(const fl::filesystem::upath& file, boost::shared_ptr<ExpatEventHandler> h)
     : file_path(file)
     , parser(h->getEncoding().c_str())
-    , handler(h)
+    , handler(std::move(h))
     , user_data(new XML_Parser_User_Data(parser.get(), handler))
 {
     // Expat gives no parser only when memory runs out; load_file then fails.

@@ -105,7 +105,7 @@ void XMLCatalogDataStore::addEntry(const std::string& key, const std::string& va
         const char* text = value.c_str();
         const std::size_t length = std::strlen(text);
         decoded = icu::UnicodeString::fromUTF8(icu::StringPiece(text, static_cast<int32_t>(length)));
-        has_backslash = std::memchr(text, '\\', length) != nullptr;
+        has_backslash = value.find('\\') < length;
     }
     // unescape() copies the whole text; most entries have no backslash and need no second pass.
     if (has_backslash) {
