@@ -69,35 +69,38 @@ struct thread_memo {
     std::string key;
 };
 
-// The memo lives on the heap behind a plain pointer, freed when the thread ends. A request made
-// after that, from a destructor that runs at exit, gets a fresh memo that is never freed: catalogs
+// The memo lives on the heap behind a plain pointer and is freed when the thread ends. Requests
+// made after that, from destructors that run at exit, go the locked way without a memo: catalogs
 // stay usable while static objects are torn down.
 thread_local thread_memo* memo_ptr = nullptr;
+thread_local bool memo_registered = false;
+thread_local bool memo_released = false;
 
 struct memo_release {
     ~memo_release()
     {
         delete memo_ptr;
         memo_ptr = nullptr;
+        memo_released = true;
     }
 };
 
 thread_local memo_release memo_releaser;
-thread_local bool memo_release_registered = false;
 
-thread_memo& this_thread_memo()
+// This thread's memo, or null once the thread is ending.
+thread_memo* this_thread_memo()
 {
     thread_memo* m = memo_ptr;
-    if (!m) {
-        m = new thread_memo;
-        memo_ptr = m;
-        if (!memo_release_registered) {
+    if (!m && !memo_released) {
+        if (!memo_registered) {
             // First use of the releaser registers its destructor for this thread's exit.
-            memo_release_registered = true;
+            memo_registered = true;
             static_cast<void>(&memo_releaser);
         }
+        m = new thread_memo;
+        memo_ptr = m;
     }
-    return *m;
+    return m;
 }
 
 bool is_directory(const fl::filesystem::upath& p)
@@ -153,6 +156,21 @@ boost::shared_ptr<const MessageCatalog> load_catalog(const std::string& catalog,
     return loaded;
 }
 
+// The cached or newly loaded catalog for `key`; `generation` tells the cache's state it belongs to.
+boost::shared_ptr<const MessageCatalog> locked_lookup(const std::string& catalog, const QvLocale& locale,
+    const std::string& locale_name, const std::string& key, std::uint64_t& generation)
+{
+    catalog_lock lock;
+    generation = cache_generation.load(std::memory_order_relaxed);
+    catalog_cache_map& cache = catalog_cache();
+    catalog_cache_map::iterator hit = cache.find(key);
+    if (hit != cache.end()) {
+        ++hit->second.use_count;
+        return hit->second.catalog;
+    }
+    return load_catalog(catalog, locale, locale_name, key);
+}
+
 } // namespace
 
 boost::mutex& catalog_mutex()
@@ -193,43 +211,36 @@ bool catalog_lock::held_by_this_thread()
 }
 
 const boost::shared_ptr<const MessageCatalog>& thread_catalog(
-    const std::string& catalog, const QvLocale& locale)
+    const std::string& catalog, const QvLocale& locale, boost::shared_ptr<const MessageCatalog>& spare)
 {
     std::string locale_name = locale.shortName(QvLocale::LcMessages);
-    thread_memo& m = this_thread_memo();
-    if (m.held && m.generation == cache_generation.load(std::memory_order_acquire) && m.catalog == catalog
-        && m.locale == locale_name) {
-        return m.held;
-    }
-
-    m.key.assign(catalog);
-    m.key += ':';
-    m.key += locale_name;
-
-    boost::shared_ptr<const MessageCatalog> found;
+    thread_memo* m = this_thread_memo();
     std::uint64_t generation;
-    {
-        catalog_lock lock;
-        generation = cache_generation.load(std::memory_order_relaxed);
-        catalog_cache_map& cache = catalog_cache();
-        catalog_cache_map::iterator hit = cache.find(m.key);
-        if (hit != cache.end()) {
-            ++hit->second.use_count;
-            found = hit->second.catalog;
-        } else {
-            found = load_catalog(catalog, locale, locale_name, m.key);
-        }
+    if (!m) {
+        spare = locked_lookup(catalog, locale, locale_name, catalog + ':' + locale_name, generation);
+        return spare;
     }
-    m.held = std::move(found);
-    m.catalog = catalog;
-    m.locale = std::move(locale_name);
-    m.generation = generation;
-    return m.held;
+    if (m->held && m->generation == cache_generation.load(std::memory_order_acquire) && m->catalog == catalog
+        && m->locale == locale_name) {
+        return m->held;
+    }
+
+    m->key.assign(catalog);
+    m->key += ':';
+    m->key += locale_name;
+    boost::shared_ptr<const MessageCatalog> found
+        = locked_lookup(catalog, locale, locale_name, m->key, generation);
+    m->held = std::move(found);
+    m->catalog = catalog;
+    m->locale = std::move(locale_name);
+    m->generation = generation;
+    return m->held;
 }
 
 boost::shared_ptr<const MessageCatalog> get_catalog(const std::string& catalog, const QvLocale& locale)
 {
-    return thread_catalog(catalog, locale);
+    boost::shared_ptr<const MessageCatalog> spare;
+    return thread_catalog(catalog, locale, spare);
 }
 
 } // namespace detail

@@ -45,10 +45,10 @@ private:
 };
 
 // The catalog `catalog` for `locale`, from the cache or loaded into it. `catalog` is the text of a
-// valid CatalogID; the callers that hold only text check it first. The reference stays good until
-// this thread's next request for a catalog.
+// valid CatalogID; the callers that hold only text check it first. The result is this thread's
+// memo, good until the thread's next request, or `spare` where the thread has no memo any more.
 const boost::shared_ptr<const MessageCatalog>& thread_catalog(
-    const std::string& catalog, const QvLocale& locale);
+    const std::string& catalog, const QvLocale& locale, boost::shared_ptr<const MessageCatalog>& spare);
 boost::shared_ptr<const MessageCatalog> get_catalog(const std::string& catalog, const QvLocale& locale);
 
 } // namespace detail

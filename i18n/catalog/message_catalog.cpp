@@ -17,13 +17,16 @@ ustring MessageCatalog::get_message(const MessageID& id, const QvLocale& locale)
     if (catalog.empty()) {
         throw boost::enable_current_exception(CatalogID::badCatalogIDException());
     }
-    return detail::thread_catalog(catalog, locale)->get_message_for_key(id.getMsgKey());
+    boost::shared_ptr<const MessageCatalog> spare;
+    return detail::thread_catalog(catalog, locale, spare)->get_message_for_key(id.getMsgKey());
 }
 
 ustring MessageCatalog::get_message(const resource_core::BaseMsgID& id, const QvLocale& locale)
 {
     const CatalogID catalog(id.catalog_name);
-    const ustring text = detail::thread_catalog(catalog.getCatalogID(), locale)->get_message_for_key(id.key);
+    boost::shared_ptr<const MessageCatalog> spare;
+    const ustring text
+        = detail::thread_catalog(catalog.getCatalogID(), locale, spare)->get_message_for_key(id.key);
     return MessageCatalogImpl::GetFormattedMessageImpl(text, id.holes, false);
 }
 
