@@ -1,10 +1,124 @@
-// Exercises what the library offers so far and prints what it did.
+// Exercises what the library offers and prints what it did: the locale database shipped beside
+// the library, locale objects and their fall-backs, conversion to a few encodings, Unicode file
+// names, and translated messages from the library's own catalogs.
 #include <qvi18n/qvi18n.hpp>
 
+#include <boost/thread/lock_guard.hpp>
+
 #include <cstdio>
+#include <exception>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace fi = fl::i18n;
+namespace fs = fl::filesystem;
+
+namespace {
+
+std::string utf8(fi::ustring const& text)
+{
+    fi::codecvt_ustring_to_string cvt("UTF-8", true);
+    return cvt.convert(text.data(), text.size());
+}
+
+std::string hex(std::string const& bytes)
+{
+    std::string out;
+    char buf[4];
+    for (unsigned char c : bytes) {
+        std::snprintf(buf, sizeof buf, "%02x", c);
+        out += out.empty() ? "" : " ";
+        out += buf;
+    }
+    return out;
+}
+
+// The installation root: the folder above bin/<tag>, where this program lives in the build tree.
+std::string installation_root()
+{
+    std::vector<char> buf(4096);
+    ssize_t n = ::readlink("/proc/self/exe", buf.data(), buf.size() - 1);
+    std::string exe = n > 0 ? std::string(buf.data(), static_cast<std::size_t>(n)) : std::string(".");
+    fs::native_path dir = fs::native_path(exe).parent_path(); // bin/<tag>
+    return fs::native_path(dir.parent_path()).parent_path(); // the root
+}
+
+void show_locale(char const* name)
+{
+    boost::shared_ptr<fi::QvLocale const> loc = fi::QvLocale::createLocale(name);
+    std::string fallbacks;
+    for (fi::ustring const& f : fi::get_fallback_locales(*loc))
+        fallbacks += (fallbacks.empty() ? "" : " -> ") + (f.empty() ? std::string("\"\"") : utf8(f));
+    std::printf("  %-14s ctype=%s messages=%s encoding=%s fall-backs: %s\n", name,
+        loc->shortName(fi::QvLocale::LcCtype).c_str(), loc->shortName(fi::QvLocale::LcMessages).c_str(),
+        loc->encoding().c_str(), fallbacks.c_str());
+}
+
+} // namespace
 
 int main()
 {
-    std::printf("libqvi18n %s for %s\n", fl::i18n::library_version(), fl::i18n::platform_tag());
+    std::printf("libqvi18n %s for %s\n", fi::library_version(), fi::platform_tag());
+    std::string root = installation_root();
+
+    // 1. Built-in state, then the shipped database.
+    fi::QvLocale const& global = fi::QvLocale::global();
+    std::printf("built-in global locale: %s, encoding %s\n", global.shortName(fi::QvLocale::LcCtype).c_str(),
+        global.encoding().c_str());
+    std::string lcdata = root + "/bin/lcdata.xml";
+    try {
+        boost::lock_guard<boost::mutex> lock(fi::getLcMutex());
+        fi::parseLcData(fi::get_qvlocale_context().getLcData(), fs::native_path(lcdata));
+        std::printf("read the locale database %s\n", lcdata.c_str());
+    } catch (std::exception const& e) {
+        std::printf("could not read %s: %s\n", lcdata.c_str(), e.what());
+        return 1;
+    }
+
+    // 2. Locale objects.
+    std::printf("locales:\n");
+    for (char const* name : {"de_AT", "fr_CA.utf8", "ja_JP", "sr_RS@latin", "C"})
+        show_locale(name);
+    try {
+        fi::QvLocale::createLocale("xx_NOWHERE");
+    } catch (fi::QvLcMgmtExceptionBase const& e) {
+        std::printf("  xx_NOWHERE refused: %s\n", e.what());
+    }
+
+    // 3. Conversion of one text to several encodings and back.
+    fi::ustring text = u"Gr\u00fc\u00dfe, \u65e5\u672c\u8a9e \u20ac";
+    std::printf("conversion of \"%s\" (%zu UTF-16 units):\n", utf8(text).c_str(), text.size());
+    for (char const* encoding : {"UTF-8", "Shift_JIS", "EUC-JP", "windows-1252", "US-ASCII"}) {
+        fi::codecvt_ustring_to_string out(encoding, true);
+        fi::codecvt_string_to_ustring in(encoding, true);
+        std::string bytes = out.convert(text.data(), text.size());
+        fi::ustring back = in.convert(bytes.data(), bytes.size());
+        std::printf("  %-12s %2zu bytes, round trip %s: %s\n", encoding, bytes.size(),
+            back == text ? "exact" : "lossy", hex(bytes).c_str());
+    }
+    try {
+        fi::codecvt_ustring_to_string strict("US-ASCII", false);
+        strict.convert(text.data(), text.size());
+    } catch (fi::CvtExceptionBase const& e) {
+        std::printf("  strict US-ASCII refused it: %s\n", e.what());
+    }
+
+    // 4. Unicode file names.
+    fs::upath database(fi::to_ustring(lcdata));
+    std::printf("file system:\n  %s exists: %s, size %llu bytes\n", utf8(database.filename()).c_str(),
+        fs::exists(database) ? "yes" : "no", static_cast<unsigned long long>(fs::status(database).size));
+    fs::upath messy(u"/tmp//caf\u00e9/./r\u00e9sum\u00e9.txt/");
+    std::printf(
+        "  \"/tmp//caf\u00e9/./r\u00e9sum\u00e9.txt/\" is kept as \"%s\", parent \"%s\", stem \"%s\"\n",
+        utf8(messy.get_path_name()).c_str(), utf8(messy.parent_path()).c_str(), utf8(messy.stem()).c_str());
+    fs::upath missing(u"/no/such/d\u00e9j\u00e0-vu");
+    std::printf("  a missing file: exists %s, status type %s\n", fs::exists(missing) ? "yes" : "no",
+        fs::status(missing).type == fs::file_status::file_not_found ? "file_not_found" : "?");
+    try {
+        fs::canonical(missing);
+    } catch (fs::FsysExceptionBase const& e) {
+        std::printf("  canonical form of it: %s (failure id %d)\n", e.what(), static_cast<int>(e.get_id()));
+    }
     return 0;
 }
