@@ -176,45 +176,34 @@ TEST(ConversionEngine, StatefulEncodingNeverWritesItsClosingShift)
     EXPECT_EQ(to_jis.convert(text.data(), text.size()), out);
 }
 
-namespace {
-
-int utf_calls = 0;
-
-// Writes `length` copies of 'x' per source unit times two, reporting the full size as the
-// whole-buffer functions do.
-unsigned long doubling(char* destination, unsigned long size, const char16_t*, unsigned long length)
-{
-    ++utf_calls;
-    const unsigned long needed = 2 * length;
-    for (unsigned long i = 0; i < needed && i < size; ++i)
-        destination[i] = 'x';
-    return needed;
-}
-
-unsigned long doubling_with_converter(
-    UConverter*, char* destination, unsigned long size, const char16_t* source, unsigned long length)
-{
-    return doubling(destination, size, source, length);
-}
-
-} // namespace
-
 TEST(ConversionEngine, WholeBufferTemplatesRetryOnlyWhenTheFirstBufferIsShort)
 {
+    // Writes two bytes per source unit and reports the full size, as the whole-buffer functions do.
+    int calls = 0;
+    auto doubling = [&calls](char* destination, unsigned long size, const char16_t*, unsigned long length) {
+        ++calls;
+        const unsigned long needed = 2 * length;
+        for (unsigned long i = 0; i < needed && i < size; ++i)
+            destination[i] = 'x';
+        return needed;
+    };
+    auto doubling_with_converter
+        = [&](UConverter*, char* destination, unsigned long size, const char16_t* source,
+              unsigned long length) { return doubling(destination, size, source, length); };
     for (std::size_t n : {10u, 512u, 513u, 1024u, 1025u, 16384u, 16385u, 40000u}) {
         const ustring text(n, u'a');
-        utf_calls = 0;
-        const std::string out = lcctype::convert_to_string_utf<char, char16_t>(text.data(), n, &doubling);
-        EXPECT_TRUE(out == std::string(2 * n, 'x'));
         // The first buffer holds min(n, 32768) units beyond the stack's 1024.
         const std::size_t first = n <= 1024 ? 1024 : std::min<std::size_t>(n, 32768);
-        EXPECT_EQ(utf_calls, 2 * n <= first ? 1 : 2) << n;
+        calls = 0;
+        const std::string out = lcctype::convert_to_string_utf<char, char16_t>(text.data(), n, doubling);
+        EXPECT_TRUE(out == std::string(2 * n, 'x'));
+        EXPECT_EQ(calls, 2 * n <= first ? 1 : 2) << n;
 
-        utf_calls = 0;
+        calls = 0;
         const std::string generic = lcctype::convert_to_string_generic<char, char16_t>(
-            nullptr, text.data(), n, &doubling_with_converter);
+            nullptr, text.data(), n, doubling_with_converter);
         EXPECT_TRUE(generic == out);
-        EXPECT_EQ(utf_calls, 2 * n <= first ? 1 : 2) << n;
+        EXPECT_EQ(calls, 2 * n <= first ? 1 : 2) << n;
     }
 }
 

@@ -4,6 +4,8 @@
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
 
+#include <boost/function.hpp>
+
 #include <unicode/ucnv.h>
 #include <unicode/utypes.h>
 
@@ -72,20 +74,24 @@ QVI18N_API unsigned long stream_conversion_to_utf16(UConverter* converter, char1
 
 /// The signature of stream_conversion_from_utf16 / stream_conversion_to_utf16.
 template <typename To, typename From> struct stream_conversion_function {
-    typedef unsigned long (*type)(UConverter*, To**, const To*, const From**, const From*, bool, UErrorCode&);
+    typedef boost::function<unsigned long(
+        UConverter*, To**, const To*, const From**, const From*, bool, UErrorCode&)>
+        type;
 };
 
 /// A whole-buffer conversion: returns the size of the whole result, also when `destination` is
 /// too small for it.
 template <typename To, typename From> struct buffer_conversion_function {
-    typedef unsigned long (*type)(
-        To* destination, unsigned long destination_size, const From* source, unsigned long length);
+    typedef boost::function<unsigned long(
+        To* destination, unsigned long destination_size, const From* source, unsigned long length)>
+        type;
 };
 
 /// The same with a converter.
 template <typename To, typename From> struct generic_conversion_function {
-    typedef unsigned long (*type)(UConverter* converter, To* destination, unsigned long destination_size,
-        const From* source, unsigned long length);
+    typedef boost::function<unsigned long(UConverter* converter, To* destination,
+        unsigned long destination_size, const From* source, unsigned long length)>
+        type;
 };
 
 /// Converts a whole text with an incremental primitive, in blocks. Never flushes, so an incomplete

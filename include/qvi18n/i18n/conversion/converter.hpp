@@ -84,7 +84,7 @@ public:
 /// Code 2, "Invalid encoding name specified.": ICU could not open the encoding.
 class QVI18N_API CvtInvalidEncodingName : public CvtExceptionBase {
 public:
-    explicit CvtInvalidEncodingName(const std::string& encoding_name);
+    explicit CvtInvalidEncodingName(const std::string& encoding_name = std::string());
     ~CvtInvalidEncodingName() override;
     const std::string& get_encoding_name() const noexcept { return encoding_name; }
 
