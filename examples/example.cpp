@@ -120,5 +120,25 @@ int main()
     } catch (fs::FsysExceptionBase const& e) {
         std::printf("  canonical form of it: %s (failure id %d)\n", e.what(), static_cast<int>(e.get_id()));
     }
+
+    // 5. Translated messages from the library's own catalogs under <root>/resources.
+    if (!fi::MessageCatalog::MessageCatalogInit(root)) {
+        std::printf("no message catalogs under %s\n", root.c_str());
+        return 1;
+    }
+    std::printf("messages (catalogs under %s/resources):\n", root.c_str());
+    resource_core::BaseMsgID system_error("fl:filesystem", "SystemError");
+    system_error.addHole(fi::to_ustring("/srv/data")).addHole(13LL);
+    for (char const* name : {"en_US", "de_AT", "fr_FR", "ja_JP", "sr_RS@latin"}) {
+        boost::shared_ptr<fi::QvLocale const> loc = fi::QvLocale::createLocale(name);
+        std::printf("  %-12s %s | %s\n", name,
+            utf8(fi::MessageCatalog::get_message(fi::MessageID("fl:i18n:QvLcInvLcName"), *loc)).c_str(),
+            utf8(fi::MessageCatalog::get_message(system_error, *loc)).c_str());
+    }
+    try {
+        fi::MessageCatalog::get_message(fi::MessageID("fl:i18n:NoSuchMessage"), fi::QvLocale::classic());
+    } catch (std::exception const& e) {
+        std::printf("  an unknown key: %s\n", e.what());
+    }
     return 0;
 }
