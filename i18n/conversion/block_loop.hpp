@@ -211,15 +211,33 @@ template <typename To, typename From> struct direct_step {
     }
 };
 
-// A step through one of the stream primitives.
-template <typename To, typename From> struct primitive_step {
-    typename lcctype::stream_conversion_function<To, From>::type function;
+// A step through one of the stream primitives, held as any callable: the library's own callers pass
+// the primitive as a plain function pointer, which spares them the indirection of a boost::function.
+template <typename To, typename From,
+    typename Function
+    = unsigned long (*)(UConverter*, To**, const To*, const From**, const From*, bool, UErrorCode&)>
+struct primitive_step {
+    Function function;
     unsigned long operator()(UConverter* converter, To** target, const To* target_limit, const From** source,
         const From* source_limit, UErrorCode& status) const
     {
         return function(converter, target, target_limit, source, source_limit, false, status);
     }
 };
+
+// The whole-string conversion of the default functions and the converter classes.
+inline std::string convert_whole_from_utf16(
+    UConverter* converter, const char16_t* source, unsigned long length)
+{
+    return convert_whole<char, char16_t>(
+        converter, source, length, primitive_step<char, char16_t> {&lcctype::stream_conversion_from_utf16});
+}
+
+inline ustring convert_whole_to_utf16(UConverter* converter, const char* source, unsigned long length)
+{
+    return convert_whole<char16_t, char>(
+        converter, source, length, primitive_step<char16_t, char> {&lcctype::stream_conversion_to_utf16});
+}
 
 } // namespace detail
 } // namespace i18n

@@ -68,8 +68,7 @@ unsigned long codecvt_ustring_to_string::do_get_destination_size(
 
 std::string codecvt_ustring_to_string::do_convert(const char16_t* source, unsigned long length) const
 {
-    return lcctype::convert_to_string_large_buffer<char, char16_t>(
-        converter_of(ctx), source, length, &lcctype::stream_conversion_from_utf16);
+    return detail::convert_whole_from_utf16(converter_of(ctx), source, length);
 }
 
 unsigned long codecvt_ustring_to_string::do_convert(
@@ -123,8 +122,7 @@ unsigned long codecvt_string_to_ustring::do_get_destination_size(
 
 ustring codecvt_string_to_ustring::do_convert(const char* source, unsigned long length) const
 {
-    return lcctype::convert_to_string_large_buffer<char16_t, char>(
-        converter_of(ctx), source, length, &lcctype::stream_conversion_to_utf16);
+    return detail::convert_whole_to_utf16(converter_of(ctx), source, length);
 }
 
 unsigned long codecvt_string_to_ustring::do_convert(

@@ -12,8 +12,8 @@ template <typename To, typename From>
 std::basic_string<To> convert_to_string_large_buffer(UConverter* converter, const From* source,
     unsigned long length, typename stream_conversion_function<To, From>::type function)
 {
-    return detail::convert_whole<To, From>(
-        converter, source, length, detail::primitive_step<To, From> {function});
+    return detail::convert_whole<To, From>(converter, source, length,
+        detail::primitive_step<To, From, typename stream_conversion_function<To, From>::type> {function});
 }
 
 template QVI18N_API std::string convert_to_string_large_buffer<char, char16_t>(

@@ -2,6 +2,7 @@
 #include <qvi18n/i18n/conversion/converter.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
+#include "i18n/conversion/block_loop.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
 
 #include <boost/thread/once.hpp>
@@ -85,8 +86,7 @@ std::string to_string(const ustring& source)
     if (source.empty())
         return std::string();
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
-    return lcctype::convert_to_string_large_buffer<char, char16_t>(
-        converter.get(), source.data(), source.size(), &lcctype::stream_conversion_from_utf16);
+    return detail::convert_whole_from_utf16(converter.get(), source.data(), source.size());
 }
 
 ustring to_ustring(const std::string& source)
@@ -94,8 +94,7 @@ ustring to_ustring(const std::string& source)
     if (source.empty())
         return ustring();
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
-    return lcctype::convert_to_string_large_buffer<char16_t, char>(
-        converter.get(), source.data(), source.size(), &lcctype::stream_conversion_to_utf16);
+    return detail::convert_whole_to_utf16(converter.get(), source.data(), source.size());
 }
 
 ustring to_ustring(const char* source)
@@ -104,8 +103,7 @@ ustring to_ustring(const char* source)
         return ustring();
     // An empty text still takes a clone, as every non-null pointer does.
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
-    return lcctype::convert_to_string_large_buffer<char16_t, char>(
-        converter.get(), source, std::strlen(source), &lcctype::stream_conversion_to_utf16);
+    return detail::convert_whole_to_utf16(converter.get(), source, std::strlen(source));
 }
 
 std::string to_string(const ustring& source, const converter<char, char16_t>& cvt)
