@@ -11,6 +11,7 @@
 #include <unicode/ucnv.h>
 
 #include <string>
+#include <vector>
 
 namespace fl {
 namespace i18n {
@@ -118,84 +119,32 @@ unsigned long run_block_loop(UConverter* converter, To* target, unsigned long ca
     }
 }
 
-// Converts a whole text into a new string in one pass. Short inputs start on the stack; longer ones
-// in a result buffer of at most first_buffer_bound units. When the buffer fills, the result grows
-// to what the part converted so far predicts for the whole text (ICU keeps any output it could not
-// write and hands it over at the next call), so the text is never converted twice and the buffer
-// beyond the result stays small; a result left with more than first_buffer_bound spare units is
-// trimmed.
+// Converts a whole text into a new string. Short inputs go to a stack buffer, longer ones to a
+// first buffer of at most first_buffer_bound units; the first run both converts and measures, so
+// the common case costs one pass. Only when that buffer was too small does a second run convert
+// into a string of exactly the measured size, which keeps the memory beside the result bounded
+// however long the text.
 template <typename To, typename From, typename Step>
 std::basic_string<To> convert_whole(
     UConverter* converter, const From* source, unsigned long length, Step step)
 {
-    typedef block_direction<To, From> direction;
-    reset_guard guard {converter};
-    if (length == 0)
-        return std::basic_string<To>();
-
-    To stack[stack_scratch_size];
-    std::basic_string<To> heap;
-    To* base = stack;
-    unsigned long capacity = stack_scratch_size;
-    if (length > small_input_bound) {
-        heap.resize(length < first_buffer_bound ? length : first_buffer_bound);
-        base = &heap[0];
-        capacity = heap.size();
+    unsigned long total = 0;
+    if (length <= small_input_bound) {
+        To stack[stack_scratch_size];
+        total = run_block_loop<To, From>(converter, stack, stack_scratch_size, source, length, step);
+        if (total <= stack_scratch_size)
+            return std::basic_string<To>(stack, total);
+    } else {
+        std::vector<To> first(length < first_buffer_bound ? length : first_buffer_bound);
+        total = run_block_loop<To, From>(converter, first.data(), first.size(), source, length, step);
+        if (total <= first.size())
+            return std::basic_string<To>(first.data(), total);
     }
-    bool on_heap = base != stack;
-    unsigned long target_block = 0; // worked out when a buffer first outgrows the least block
-
-    To* cursor = base;
-    const From* from = source;
-    const From* const from_end = source + length;
-    for (;;) {
-        if (target_block == 0 && capacity > direction::least_target_block)
-            target_block = direction::target_block(converter);
-        const unsigned long block = target_block ? target_block : direction::least_target_block;
-        const unsigned long room = static_cast<unsigned long>(base + capacity - cursor);
-        To* const end = base + capacity;
-        const To* const limit = room > block ? cursor + block : end;
-        const unsigned long left = static_cast<unsigned long>(from_end - from);
-        const From* const from_limit
-            = left > direction::source_block ? from + direction::source_block : from_end;
-
-        UErrorCode status = U_ZERO_ERROR;
-        step(converter, &cursor, limit, &from, from_limit, status);
-        if (status > U_ZERO_ERROR && status != U_BUFFER_OVERFLOW_ERROR)
-            lcctype::invalid_char_exception_throwing(status);
-        if (status == U_BUFFER_OVERFLOW_ERROR && limit == end) {
-            const unsigned long written = static_cast<unsigned long>(cursor - base);
-            const unsigned long consumed = static_cast<unsigned long>(from - source);
-            const unsigned long remaining = static_cast<unsigned long>(from_end - from);
-            const double rate = consumed ? static_cast<double>(written) / static_cast<double>(consumed) : 1.0;
-            unsigned long wanted
-                = written + static_cast<unsigned long>(static_cast<double>(remaining) * rate);
-            wanted += wanted / 64 + stack_scratch_size;
-            // Grow by half at least, so that a text whose density changes still costs linear time.
-            if (wanted < capacity + capacity / 2)
-                wanted = capacity + capacity / 2;
-            if (!on_heap) {
-                heap.reserve(wanted);
-                heap.assign(base, written);
-                on_heap = true;
-            }
-            heap.resize(wanted);
-            base = &heap[0];
-            capacity = wanted;
-            cursor = base + written;
-            continue;
-        }
-        if (from_limit != from_end || status > U_ZERO_ERROR)
-            continue;
-        break;
-    }
-    const unsigned long total = static_cast<unsigned long>(cursor - base);
-    if (!on_heap)
-        return std::basic_string<To>(stack, total);
-    heap.resize(total);
-    if (heap.capacity() - total > first_buffer_bound)
-        heap.shrink_to_fit();
-    return heap;
+    std::basic_string<To> result(total, To());
+    const unsigned long written = run_block_loop<To, From>(converter, &result[0], total, source, length, step);
+    if (written < total)
+        result.resize(written);
+    return result;
 }
 
 // One ICU call with no primitive in between; the count is the distance the target moved.
