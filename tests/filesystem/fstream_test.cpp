@@ -2,15 +2,12 @@
 
 #include "qvtest/scoped_env.hpp"
 #include "qvtest/scoped_temp_dir.hpp"
+#include "qvtest/text.hpp"
 
 #include <gtest/gtest.h>
 
 #include <iterator>
 #include <string>
-
-namespace qvtest {
-std::u16string utf8_to_utf16(std::string const& utf8);
-} // namespace qvtest
 
 namespace {
 

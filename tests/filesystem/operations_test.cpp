@@ -7,16 +7,12 @@
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <gtest/gtest.h>
 
+#include "qvtest/text.hpp"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-// qvtest/text.hpp's u16string printer clashes with the one of this GoogleTest version, so only
-// its two conversions are declared here; texts are compared as UTF-8.
-namespace qvtest {
-std::u16string utf8_to_utf16(std::string const& utf8);
-std::string utf16_to_utf8(std::u16string const& utf16);
-} // namespace qvtest
 
 namespace {
 

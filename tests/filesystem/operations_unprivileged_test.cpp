@@ -6,6 +6,7 @@
 #include <qvi18n/filesystem/stdio.hpp>
 
 #include "qvtest/scoped_temp_dir.hpp"
+#include "qvtest/text.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,10 +19,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-namespace qvtest {
-std::u16string utf8_to_utf16(std::string const& utf8);
-} // namespace qvtest
 
 namespace {
 

@@ -8,15 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include "qvtest/text.hpp"
+
 #include <cerrno>
 #include <cstdio>
 #include <functional>
 #include <memory>
 
-namespace qvtest {
-std::u16string utf8_to_utf16(std::string const& utf8);
-std::string utf16_to_utf8(std::u16string const& utf16);
-} // namespace qvtest
 
 namespace {
 
