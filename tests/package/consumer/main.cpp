@@ -1,13 +1,34 @@
-// A program outside the project, built against the installed tree.
+// A program outside the project, built against the installed tree: it reads the installed locale
+// database and catalogs, as the README shows.
 #include <qvi18n/qvi18n.hpp>
+
+#include <boost/thread/lock_guard.hpp>
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
-int main(int, char**)
+namespace fi = fl::i18n;
+
+int main(int argc, char** argv)
 {
-    if (std::strcmp(fl::i18n::platform_tag(), QVI18N_PLATFORM_TAG) != 0)
+    if (argc != 2 || std::strcmp(fi::platform_tag(), QVI18N_PLATFORM_TAG) != 0)
         return 1;
-    std::printf("consumer ok (%s)\n", fl::i18n::library_version());
+    std::string prefix = argv[1];
+    {
+        boost::lock_guard<boost::mutex> lock(fi::getLcMutex());
+        fi::parseLcData(fi::get_qvlocale_context().getLcData(),
+            fl::filesystem::native_path(prefix + "/bin/lcdata.xml"));
+    }
+    if (!fi::MessageCatalog::MessageCatalogInit(prefix))
+        return 2;
+    auto de = fi::QvLocale::createLocale("de_AT");
+    fi::ustring text = fi::MessageCatalog::get_message(fi::MessageID("fl:i18n:QvLcInvLcName"), *de);
+    fi::codecvt_ustring_to_string utf8("UTF-8", true);
+    std::string bytes = utf8.convert(text.data(), text.size());
+    bool there = fl::filesystem::exists(fl::filesystem::upath(fi::to_ustring(prefix + "/bin/lcdata.xml")));
+    if (!there || bytes.empty())
+        return 3;
+    std::printf("consumer ok (%s): %s\n", fi::library_version(), bytes.c_str());
     return 0;
 }

@@ -94,10 +94,11 @@ template <typename To, typename From> struct generic_conversion_function {
         type;
 };
 
-/// Converts a whole text with an incremental primitive, in blocks and in one pass: up to 1024 units
-/// on the stack, then in a result that starts at no more than 32768 units and grows as the text
-/// requires; no more than 32768 spare units are left beyond the result. Never flushes, so an
-/// incomplete character at the end is dropped; the converter is reset after every run, failed or not.
+/// Converts a whole text with an incremental primitive, in blocks: up to 1024 units on the stack,
+/// larger inputs in a first buffer of at most 32768 units. The first run converts and measures; only
+/// when its buffer was too small is the text converted again into a result of exactly the measured
+/// size. Never flushes, so an incomplete character at the end is dropped; the converter is reset
+/// after every run, failed or not.
 /// Instantiated for <char, char16_t> and <char16_t, char>.
 template <typename To, typename From>
 QVI18N_API std::basic_string<To> convert_to_string_large_buffer(UConverter* converter, const From* source,
