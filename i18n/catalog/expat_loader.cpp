@@ -66,12 +66,13 @@ ExpatLoader::XML_Parser_User_Data::XML_Parser_User_Data(
 
 namespace {
 
-// The callbacks hold their own reference to the handler for the length of the call.
+// The user data holds the handler for the loader's whole life, so the callbacks borrow it rather
+// than take a counted reference on every event.
 
 void XMLCALL on_element_start(void* data, const XML_Char* name, const XML_Char** attributes)
 {
     ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    ExpatEventHandler* handler = user->handler.get();
     if (!handler->elementStart(name, attributes)) {
         XML_StopParser(user->parser, XML_FALSE);
     }
@@ -80,7 +81,7 @@ void XMLCALL on_element_start(void* data, const XML_Char* name, const XML_Char**
 void XMLCALL on_element_end(void* data, const XML_Char* name)
 {
     ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    ExpatEventHandler* handler = user->handler.get();
     if (!handler->elementEnd(name)) {
         XML_StopParser(user->parser, XML_FALSE);
     }
@@ -89,7 +90,7 @@ void XMLCALL on_element_end(void* data, const XML_Char* name)
 void XMLCALL on_character_data(void* data, const XML_Char* text, int length)
 {
     ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    boost::shared_ptr<ExpatEventHandler> handler = user->handler;
+    ExpatEventHandler* handler = user->handler.get();
     bool ok = handler->elementData(text, length, user->new_line);
     // Only the first run of a line opens it; Expat splits a line's text around entities.
     user->new_line = false;
