@@ -5,7 +5,9 @@
 #include <boost/exception/exception.hpp>
 #include <boost/numeric/conversion/cast.hpp>
 
+#include <cstring>
 #include <istream>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -139,20 +141,56 @@ bool ExpatLoader::load_file()
     }
     // Line endings never reach the parser. Only a last line without a line break is parsed as
     // final, so a document cut off after a complete line is not checked for completeness.
-    std::string line;
-    bool ok = true;
+    // The file is read in large blocks and each line is handed to the parser where it lies in the
+    // block; only a line that straddles two blocks is gathered in `pending` first.
     const char newline = in.widen('\n');
-    while (ok && std::getline(in, line, newline)) {
+    const std::streamsize block_size = 64 * 1024;
+    std::unique_ptr<char[]> block(new char[block_size]);
+    std::string pending;
+    bool ok = true;
+    auto parse_line = [this](const char* text, std::string::size_type size, bool last) {
         user_data->new_line = true;
-        const int length = checked_length(line.size());
-        if (XML_Parse(parser.get(), line.data(), length, in.eof() ? XML_TRUE : XML_FALSE)
-            == XML_STATUS_ERROR) {
-            ok = false;
+        const int length = checked_length(size);
+        return XML_Parse(parser.get(), text, length, last ? XML_TRUE : XML_FALSE) != XML_STATUS_ERROR;
+    };
+    while (ok) {
+        // read() turns a failing device into badbit, as line-wise reading did.
+        in.read(block.get(), block_size);
+        const char* next = block.get();
+        const char* const end = next + in.gcount();
+        while (ok) {
+            const char* stop = static_cast<const char*>(
+                std::memchr(next, newline, static_cast<std::size_t>(end - next)));
+            if (stop == nullptr) {
+                break;
+            }
+            const std::string::size_type size = static_cast<std::string::size_type>(stop - next);
+            if (pending.empty()) {
+                ok = parse_line(next, size, false);
+            } else {
+                pending.append(next, size);
+                ok = parse_line(pending.data(), pending.size(), false);
+                pending.clear();
+            }
+            next = stop + 1;
+        }
+        if (!ok) {
+            break;
+        }
+        pending.append(next, static_cast<std::string::size_type>(end - next));
+        if (!in) {
+            break;
         }
     }
     // A read error (a directory, a failing device) is no end of file: nothing says the document
-    // was read to a line boundary.
-    return ok && !in.bad();
+    // was read to a line boundary, and its unfinished last line is not parsed.
+    if (!ok || in.bad()) {
+        return false;
+    }
+    if (!pending.empty()) {
+        ok = parse_line(pending.data(), pending.size(), true);
+    }
+    return ok;
 }
 
 } // namespace i18n
