@@ -30,26 +30,44 @@ LcData::LcData()
 
 LcData::~LcData() = default;
 
+std::string const& LcData::foldForFilling(std::string const& text)
+{
+    keyBuffer_.resize(text.size());
+    char const* from = text.data();
+    char* to = &keyBuffer_[0];
+    for (std::size_t i = 0, n = text.size(); i < n; ++i) {
+        char c = from[i];
+        to[i] = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return keyBuffer_;
+}
+
 LcData::DefaultLcCtxPtr LcData::addLcName(
     std::string const& name, std::string const& encoding, std::string const& xpg_name)
 {
-    std::string key = detail::ascii_fold(name);
-    LocaleTable::const_iterator found = localeTable_.find(key);
-    if (found != localeTable_.end()) {
-        return found->second;
+    // One look-up: the slot is taken first and filled only if it is new.
+    std::pair<LocaleTable::iterator, bool> slot = localeTable_.try_emplace(foldForFilling(name));
+    if (!slot.second) {
+        return slot.first->second;
     }
-    DefaultLcCtxPtr ctx = boost::make_shared<DefaultLcCtx>();
-    ctx->name = name;
-    ctx->encoding = encoding;
-    ctx->xpg_name = xpg_name;
-    ctx->l10n = true;
-    localeTable_.emplace(std::move(key), ctx);
-    return ctx;
+    try {
+        DefaultLcCtxPtr ctx = boost::make_shared<DefaultLcCtx>();
+        ctx->name = name;
+        ctx->encoding = encoding;
+        ctx->xpg_name = xpg_name;
+        ctx->l10n = true;
+        slot.first->second = ctx;
+        return ctx;
+    } catch (...) {
+        // Readers expect every entry to hold a record.
+        localeTable_.erase(slot.first);
+        throw;
+    }
 }
 
 void LcData::addAliasLcName(DefaultLcCtxPtr ctx, std::string const& alias)
 {
-    localeTable_.emplace(detail::ascii_fold(alias), ctx);
+    localeTable_.try_emplace(foldForFilling(alias), std::move(ctx));
 }
 
 void LcData::addL10nFlag(DefaultLcCtxPtr ctx, std::string const& disable)
@@ -61,16 +79,16 @@ void LcData::addL10nFlag(DefaultLcCtxPtr ctx, std::string const& disable)
 
 void LcData::addEncodingName(std::string const& name, std::string const& jvm_encoding)
 {
-    std::string key = detail::ascii_fold(name);
-    if (!encodingTable_.emplace(key, jvm_encoding).second) {
+    std::string const& key = foldForFilling(name);
+    if (!encodingTable_.try_emplace(key, jvm_encoding).second) {
         return;
     }
-    encodingAliasTable_.emplace(std::move(key), name);
+    encodingAliasTable_.try_emplace(key, name);
 }
 
 void LcData::addEncodingAlias(std::string const& alias, std::string const& encoding)
 {
-    encodingAliasTable_.emplace(detail::ascii_fold(alias), encoding);
+    encodingAliasTable_.try_emplace(foldForFilling(alias), encoding);
 }
 
 void LcData::clear()

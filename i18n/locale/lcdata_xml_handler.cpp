@@ -76,27 +76,52 @@ void EventValidator::setEventDesc(std::string const& element, int id, std::strin
 
 int EventValidator::checkStartEvent(std::string const& element)
 {
-    auto found = events_.find(element);
-    if (found == events_.end())
-        return kRefuse;
-    EventDesc const& desc = *found->second;
+    return checkStart(element);
+}
+
+int EventValidator::checkStartEvent(char const* element)
+{
+    return checkStart(element);
+}
+
+int EventValidator::checkEndEvent(std::string const& element)
+{
+    return checkEnd(element);
+}
+
+int EventValidator::checkEndEvent(char const* element)
+{
+    return checkEnd(element);
+}
+
+int EventValidator::checkStart(std::string_view element)
+{
+    EventTable::value_type const* row = lastRow_;
+    if (!row || row->first != element) {
+        EventTable::const_iterator found = events_.find(element);
+        if (found == events_.end())
+            return kRefuse;
+        row = &*found;
+        lastRow_ = row;
+    }
+    EventDesc const& desc = *row->second;
     if (stack_.empty()) {
-        stack_.push_back(element);
+        stack_.push_back(row);
         return desc.id;
     }
     // An element directly inside one of its own name is taken but not stacked.
-    if (stack_.back() == element)
+    if (stack_.back() == row)
         return desc.id;
-    if (desc.parent == stack_.back()) {
-        stack_.push_back(element);
+    if (desc.parent == stack_.back()->first) {
+        stack_.push_back(row);
         return desc.id;
     }
     return kRefuse;
 }
 
-int EventValidator::checkEndEvent(std::string const& element)
+int EventValidator::checkEnd(std::string_view element)
 {
-    if (stack_.empty() || stack_.back() != element)
+    if (stack_.empty() || stack_.back()->first != element)
         return kRefuse;
     stack_.pop_back();
     return 0;
@@ -129,7 +154,7 @@ int LcdbEventHandler::checkXMLDoc(char const* /*version*/, char const* encoding,
 
 int LcdbEventHandler::startEntry(char const* name, char const** attributes)
 {
-    switch (validator_.checkStartEvent(std::string(name))) {
+    switch (validator_.checkStartEvent(name)) {
     case kLcdata:
     case kCodeset:
         return 0;
@@ -155,7 +180,7 @@ int LcdbEventHandler::entryData(char const* /*text*/, int /*length*/)
 
 int LcdbEventHandler::endEntry(char const* name)
 {
-    return validator_.checkEndEvent(std::string(name)) < 0 ? kRefuse : 0;
+    return validator_.checkEndEvent(name) < 0 ? kRefuse : 0;
 }
 
 std::string LcdbEventHandler::getEncoding() const
@@ -191,8 +216,10 @@ int LcdbEventHandler::eventFuncAlias(char const** attributes)
     char const* alias = attributeValue(attributes, "name");
     if (!alias)
         return kRefuse;
-    if (currentLocale_)
-        data_.addAliasLcName(currentLocale_, alias);
+    if (currentLocale_) {
+        attribute_.assign(alias);
+        data_.addAliasLcName(currentLocale_, attribute_);
+    }
     return 0;
 }
 
@@ -201,8 +228,10 @@ int LcdbEventHandler::eventFuncL10n(char const** attributes)
     char const* disable = attributeValue(attributes, "disable");
     if (!disable)
         return kRefuse;
-    if (currentLocale_)
-        data_.addL10nFlag(currentLocale_, disable);
+    if (currentLocale_) {
+        attribute_.assign(disable);
+        data_.addL10nFlag(currentLocale_, attribute_);
+    }
     return 0;
 }
 
@@ -210,11 +239,10 @@ int LcdbEventHandler::eventFuncEncoding(char const** attributes)
 {
     currentEncoding_.clear();
     readAttribute(currentEncoding_, attributes, "name");
-    std::string jvmEncoding;
-    readAttribute(jvmEncoding, attributes, "jvm_encoding");
+    readAttribute(jvmEncoding_, attributes, "jvm_encoding");
     if (currentEncoding_.empty())
         return kRefuse;
-    data_.addEncodingName(currentEncoding_, jvmEncoding);
+    data_.addEncodingName(currentEncoding_, jvmEncoding_);
     return 0;
 }
 
@@ -223,7 +251,8 @@ int LcdbEventHandler::eventFuncEncodingAlias(char const** attributes)
     char const* alias = attributeValue(attributes, "name");
     if (currentEncoding_.empty() || !alias)
         return kRefuse;
-    data_.addEncodingAlias(alias, currentEncoding_);
+    attribute_.assign(alias);
+    data_.addEncodingAlias(attribute_, currentEncoding_);
     return 0;
 }
 

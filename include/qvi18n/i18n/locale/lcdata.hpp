@@ -104,11 +104,16 @@ private:
     typedef boost::unordered_map<std::string, DefaultLcCtxPtr> LocaleTable;
     typedef boost::unordered_map<std::string, std::string> NameTable;
 
+    // Folds `text` into keyBuffer_ and returns it; for the filling side only, which runs on one thread.
+    std::string const& foldForFilling(std::string const& text);
+
     std::string platformTag_;
     LocaleTable localeTable_;
     NameTable encodingTable_;
     NameTable encodingAliasTable_;
     std::string emptyName_;
+    // Reused while filling, so that a key is folded without an allocation of its own.
+    std::string keyBuffer_;
 };
 
 /// Appends `name`, then `name` up to its last "_" (if any), then `default_name` unless it equals the

@@ -10,7 +10,9 @@
 #include <boost/shared_ptr.hpp>
 
 #include <map>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Expat's parser handle, without pulling <expat.h> into every includer.
@@ -122,12 +124,23 @@ public:
     void setEventDesc(std::string const& element, int id, std::string const& parent);
     /// The element's id, or -2 if it is unknown or misplaced.
     int checkStartEvent(std::string const& element);
+    int checkStartEvent(char const* element);
     /// 0, or -2 if `element` is not the one open.
     int checkEndEvent(std::string const& element);
+    int checkEndEvent(char const* element);
 
 private:
-    std::map<std::string, boost::shared_ptr<EventDesc>> events_;
-    std::vector<std::string> stack_;
+    // Transparent, so that names from the parser are looked up without a string of their own.
+    typedef std::map<std::string, boost::shared_ptr<EventDesc>, std::less<>> EventTable;
+
+    int checkStart(std::string_view element);
+    int checkEnd(std::string_view element);
+
+    EventTable events_;
+    // Rows of events_ (never erased, so their addresses hold); equal names are the same row.
+    std::vector<EventTable::value_type const*> stack_;
+    // The row found last: runs of the same element (alias after alias) skip the table.
+    EventTable::value_type const* lastRow_ = nullptr;
 };
 
 /// Turns the events of lcdata.xml into LcData calls. Records are added as their elements arrive,
@@ -166,6 +179,9 @@ private:
     std::string localeXpgName_;
     std::string localeReserved_;
     std::string currentEncoding_;
+    // Attribute values on their way to LcData; reused so that most elements allocate nothing here.
+    std::string attribute_;
+    std::string jvmEncoding_;
 };
 
 /// Streams `file` through Expat (1,024 bytes at a time) into `handler`. Throws
