@@ -35,6 +35,21 @@ void trim(std::string& s)
     s.erase(0, begin);
 }
 
+// Appends one space and then `line` without the white space at its ends, without changing `line`.
+void append_trimmed_line(std::string& value, const std::string& line)
+{
+    const char* begin = line.data();
+    const char* end = begin + line.size();
+    while (end != begin && is_trimmed(end[-1])) {
+        --end;
+    }
+    while (begin != end && is_trimmed(*begin)) {
+        ++begin;
+    }
+    value += ' ';
+    value.append(begin, static_cast<std::string::size_type>(end - begin));
+}
+
 // Most catalog text is ASCII, which widens unit by unit far faster than a general UTF-8 decoder.
 // The high-bit test runs a word at a time and the searches go to memchr; the copy loop has no
 // early exit, so that the compiler can vectorise it.
@@ -226,9 +241,7 @@ bool MessageCatalogExpatEventHandler::doElementData(const char* text, int length
         return true;
     }
     // A new line of the file begins: the one before it is complete.
-    trim(current_line);
-    current_value += ' ';
-    current_value += current_line;
+    append_trimmed_line(current_value, current_line);
     current_line.assign(text, static_cast<std::string::size_type>(length));
     return true;
 }
@@ -241,9 +254,7 @@ bool MessageCatalogExpatEventHandler::doElementEnd(const char* name)
     if (state != in_entry || current_key.empty()) {
         return false;
     }
-    trim(current_line);
-    current_value += ' ';
-    current_value += current_line;
+    append_trimmed_line(current_value, current_line);
     trim(current_value);
     addEntry(current_key, current_value);
     current_key.clear();
