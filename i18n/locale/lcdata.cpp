@@ -36,8 +36,9 @@ std::string const& LcData::foldForFilling(std::string const& text)
     char const* from = text.data();
     char* to = &keyBuffer_[0];
     for (std::size_t i = 0, n = text.size(); i < n; ++i) {
-        char c = from[i];
-        to[i] = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+        unsigned char c = static_cast<unsigned char>(from[i]);
+        // Branch-free: "A".."Z" gain 0x20, every other byte stays.
+        to[i] = static_cast<char>(c + (static_cast<unsigned>(c - 'A') < 26u ? 0x20 : 0));
     }
     return keyBuffer_;
 }

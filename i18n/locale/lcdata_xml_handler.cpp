@@ -35,13 +35,27 @@ char const* attributeValue(char const** attributes, char const* name)
     return nullptr;
 }
 
-void readAttribute(std::string& into, char const** attributes, char const* name)
+// Several attributes in one pass over the array, each taking its first non-empty value; those
+// that are missing or empty leave their string empty.
+template <std::size_t N>
+void readAttributes(char const** attributes, char const* const (&names)[N], std::string* const (&into)[N])
 {
-    char const* value = attributeValue(attributes, name);
-    if (value)
-        into.assign(value);
-    else
-        into.clear();
+    bool seen[N] = {};
+    for (std::size_t i = 0; i < N; ++i)
+        into[i]->clear();
+    if (!attributes)
+        return;
+    for (char const** a = attributes; a[0]; a += 2) {
+        if (!a[1] || a[1][0] == '\0')
+            continue;
+        for (std::size_t i = 0; i < N; ++i) {
+            if (!seen[i] && std::strcmp(a[0], names[i]) == 0) {
+                into[i]->assign(a[1]);
+                seen[i] = true;
+                break;
+            }
+        }
+    }
 }
 
 bool equalsIgnoringAsciiCase(std::string const& a, char const* b)
@@ -96,13 +110,17 @@ int EventValidator::checkEndEvent(char const* element)
 
 int EventValidator::checkStart(std::string_view element)
 {
-    EventTable::value_type const* row = lastRow_;
+    EventTable::value_type const* row = recentRows_[0];
     if (!row || row->first != element) {
-        EventTable::const_iterator found = events_.find(element);
-        if (found == events_.end())
-            return kRefuse;
-        row = &*found;
-        lastRow_ = row;
+        row = recentRows_[1];
+        if (!row || row->first != element) {
+            EventTable::const_iterator found = events_.find(element);
+            if (found == events_.end())
+                return kRefuse;
+            row = &*found;
+        }
+        recentRows_[1] = recentRows_[0];
+        recentRows_[0] = row;
     }
     EventDesc const& desc = *row->second;
     if (stack_.empty()) {
@@ -200,9 +218,9 @@ void LcdbEventHandler::clearDefualtLcCtx()
 int LcdbEventHandler::eventFuncLocale(char const** attributes)
 {
     clearDefualtLcCtx();
-    readAttribute(localeName_, attributes, "name");
-    readAttribute(localeEncoding_, attributes, "encoding");
-    readAttribute(localeXpgName_, attributes, "xpg_name");
+    static char const* const names[] = {"name", "encoding", "xpg_name"};
+    std::string* const into[] = {&localeName_, &localeEncoding_, &localeXpgName_};
+    readAttributes(attributes, names, into);
     if (localeName_.empty())
         return kRefuse;
     currentLocale_ = data_.addLcName(localeName_, localeEncoding_, localeXpgName_);
@@ -237,9 +255,9 @@ int LcdbEventHandler::eventFuncL10n(char const** attributes)
 
 int LcdbEventHandler::eventFuncEncoding(char const** attributes)
 {
-    currentEncoding_.clear();
-    readAttribute(currentEncoding_, attributes, "name");
-    readAttribute(jvmEncoding_, attributes, "jvm_encoding");
+    static char const* const names[] = {"name", "jvm_encoding"};
+    std::string* const into[] = {&currentEncoding_, &jvmEncoding_};
+    readAttributes(attributes, names, into);
     if (currentEncoding_.empty())
         return kRefuse;
     data_.addEncodingName(currentEncoding_, jvmEncoding_);

@@ -139,8 +139,9 @@ private:
     EventTable events_;
     // Rows of events_ (never erased, so their addresses hold); equal names are the same row.
     std::vector<EventTable::value_type const*> stack_;
-    // The row found last: runs of the same element (alias after alias) skip the table.
-    EventTable::value_type const* lastRow_ = nullptr;
+    // The two rows found last, latest first: a document alternates between few elements (locale
+    // and alias, encoding and encoding_alias), so most look-ups skip the table.
+    EventTable::value_type const* recentRows_[2] = {nullptr, nullptr};
 };
 
 /// Turns the events of lcdata.xml into LcData calls. Records are added as their elements arrive,
