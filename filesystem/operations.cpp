@@ -16,18 +16,9 @@ namespace filesystem {
 using fl::i18n::MakeException;
 using fl::i18n::ustring;
 
+using detail::native_bytes;
+
 namespace {
-
-// Bytes for the system: a upath is native already, a ustring is cleaned on the way.
-std::string native_bytes(const upath& p)
-{
-    return detail::make_native_access_form(p.get_path_name());
-}
-
-std::string native_bytes(const ustring& p)
-{
-    return detail::make_native_access_form_with_cleanup(p);
-}
 
 // The UTF-8 of a native text for the frequent queries. A name that fits is converted straight
 // onto the stack, so that asking about a short name costs one conversion and no allocation

@@ -3,6 +3,9 @@
 
 // Private helpers of the status and operations layer.
 
+#include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/path.hpp>
+
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/mutex.hpp>
 
@@ -25,6 +28,28 @@ boost::posix_time::ptime file_time_to_ptime(std::time_t seconds);
 } // namespace posix
 
 namespace detail {
+
+// The native text of an argument: a upath is native already, a ustring is cleaned on the way.
+inline const fl::i18n::ustring& native_text(const upath& p)
+{
+    return p.get_path_name();
+}
+
+inline fl::i18n::ustring native_text(const fl::i18n::ustring& p)
+{
+    return make_native_form(p, true);
+}
+
+// Its UTF-8 bytes, for the system.
+inline std::string native_bytes(const upath& p)
+{
+    return make_native_access_form(p.get_path_name());
+}
+
+inline std::string native_bytes(const fl::i18n::ustring& p)
+{
+    return make_native_access_form_with_cleanup(p);
+}
 
 // The one lock over the working directory: chdir, getcwd and realpath of a relative name.
 boost::mutex& working_directory_mutex();

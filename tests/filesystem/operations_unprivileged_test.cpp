@@ -10,12 +10,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <functional>
 
+#include <dirent.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -132,6 +136,80 @@ TEST_F(OrdinaryUser, StdioAndStreamsReportRefusalsTheirOwnWay)
             return !in.is_open() && in.fail();
         },
     });
+}
+
+bool missing(std::string const& path)
+{
+    struct stat st;
+    return ::lstat(path.c_str(), &st) != 0 && errno == ENOENT;
+}
+
+TEST_F(OrdinaryUser, ChangesRefusedByPermissionsLoseNothing)
+{
+    std::string const open_dir = dir.make_dir("open");
+    ASSERT_EQ(0, ::chmod(open_dir.c_str(), 0777));
+    std::string const mine = dir.write_file("open/mine", "mine");
+    ASSERT_EQ(0, ::chown(mine.c_str(), 65534, 65534));
+    std::string const inner = locked + "/inner";
+    expect_all_hold({
+        [&] { return throws<fs::AccessDenied>([&] { fs::create_directory(u(dir / "new")); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::create_directories(u(locked + "/a/b")); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::remove(u(secret)); }) && !missing(secret); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::remove_all(u(locked)); }) && !missing(inner); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::rename(u(secret), u(open_dir + "/moved")); }); },
+        [&] {
+            return throws<fs::AccessDenied>([&] { fs::copy_file(u(secret), u(open_dir + "/copy")); })
+                && missing(open_dir + "/copy");
+        },
+        [&] {
+            return throws<fs::AccessDenied>(
+                       [&] { fs::copy_file(u(secret), u(mine), fs::overwrite_if_exists); })
+                && qvtest::read_file(mine) == "mine";
+        },
+        [&] { return throws<fs::AccessDenied>([&] { fs::copy_file(u(mine), u(dir / "copy")); }); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::create_symlink(u(mine), u(dir / "l"), 1); }); },
+        [&] { return !missing(secret) && missing(dir / "new") && missing(dir / "copy"); },
+    });
+}
+
+// A copy that the system stops halfway (here: the file-size limit) leaves no half-written
+// destination, and an overwrite that fails keeps the old content.
+TEST(InterruptedCopy, LeavesNothingHalfWritten)
+{
+    qvtest::scoped_temp_dir dir;
+    std::string const big = dir.write_file("big", std::string(1 << 20, 'b'));
+    std::string const old = dir.write_file("old", "old content");
+    auto const limit_file_size = [] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        struct rlimit const limit = {64 * 1024, 64 * 1024};
+        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    };
+    int const code = run_in_child(limit_file_size,
+        {
+            [&] {
+                return throws<fs::FsysExceptionBase>([&] { fs::copy_file(u(big), u(dir / "new")); })
+                    && missing(dir / "new");
+            },
+            [&] {
+                return throws<fs::FsysExceptionBase>([&] { fs::copy(u(big), u(dir / "new")); })
+                    && missing(dir / "new");
+            },
+            [&] {
+                return throws<fs::FsysExceptionBase>(
+                           [&] { fs::copy_file(u(big), u(old), fs::overwrite_if_exists); })
+                    && qvtest::read_file(old) == "old content";
+            },
+        });
+    EXPECT_EQ(0, code) << "check " << code << " failed in the child";
+    // Nothing written aside is left behind either.
+    std::vector<std::string> names;
+    DIR* const handle = ::opendir(dir.path().c_str());
+    ASSERT_NE(nullptr, handle);
+    while (struct dirent const* entry = ::readdir(handle))
+        names.push_back(entry->d_name);
+    ::closedir(handle);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ((std::vector<std::string>{".", "..", "big", "old"}), names);
 }
 
 TEST(ReadOnlyFileSystem, WritingIsARefusal)

@@ -11,6 +11,8 @@
 
 #include <string>
 
+#include <dirent.h>
+
 struct stat;
 
 namespace fl {
@@ -127,6 +129,107 @@ QVI18N_API bool set_cwd(const std::string& path);
 // realpath of a UTF-8 name; empty when it cannot be resolved.
 QVI18N_API std::string get_full_pathname(const std::string& path);
 
+// Making, removing, linking and copying. A upath goes to the system as it stands, a ustring is
+// cleaned first; the const char16_t* forms take literals as ustrings.
+
+// mkdir with mode 0775. An existing directory, "/" included, is FileExistsError; an empty path
+// does nothing.
+QVI18N_API void create_directory(const upath& p);
+QVI18N_API void create_directory(const fl::i18n::ustring& p);
+inline void create_directory(const char16_t* p)
+{
+    create_directory(fl::i18n::ustring(p ? p : u""));
+}
+
+// Creates the missing parents, then the path itself, which must be new (FileExistsError). A ".."
+// element anywhere is refused (InvalidArgument) before anything is made.
+QVI18N_API void create_directories(const upath& p);
+QVI18N_API void create_directories(const fl::i18n::ustring& p);
+inline void create_directories(const char16_t* p)
+{
+    create_directories(fl::i18n::ustring(p ? p : u""));
+}
+
+// A symbolic link at link pointing to target. type is file_type_auto, regular_file or
+// directory_file (anything else is InvalidArgument); it makes no difference on this platform.
+// An existing link target is FileExistsError.
+QVI18N_API void create_symlink(const upath& target, const upath& link, unsigned int type);
+QVI18N_API void create_symlink(
+    const fl::i18n::ustring& target, const fl::i18n::ustring& link, unsigned int type);
+inline void create_symlink(const char16_t* target, const char16_t* link, unsigned int type)
+{
+    create_symlink(fl::i18n::ustring(target ? target : u""), fl::i18n::ustring(link ? link : u""), type);
+}
+// The link itself, with no check of type or of empty names.
+QVI18N_API void create_symbolic_link(
+    const fl::i18n::ustring& target, const fl::i18n::ustring& link, unsigned int type);
+
+// rename(2). Nothing happens if either path is empty. Moving across file systems is refused
+// by the system (SystemError, EXDEV) and leaves the source where it was.
+QVI18N_API void rename(const upath& from, const upath& to);
+QVI18N_API void rename(const fl::i18n::ustring& from, const fl::i18n::ustring& to);
+inline void rename(const char16_t* from, const char16_t* to)
+{
+    rename(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""));
+}
+
+// Removes a file, a link or an empty directory. Devices, pipes and sockets are refused
+// (InvalidArgument); a missing path is PathNotFound.
+QVI18N_API void remove(const upath& p);
+QVI18N_API void remove(const fl::i18n::ustring& p);
+inline void remove(const char16_t* p)
+{
+    remove(fl::i18n::ustring(p ? p : u""));
+}
+
+// Removes a file, a link, or a directory with everything in it. Links inside are removed, never
+// followed. A failure stops the removal where it is.
+QVI18N_API void remove_all(const upath& p);
+QVI18N_API void remove_all(const fl::i18n::ustring& p);
+inline void remove_all(const char16_t* p)
+{
+    remove_all(fl::i18n::ustring(p ? p : u""));
+}
+
+enum copy_option { fail_if_exists = 0, overwrite_if_exists = 1 };
+
+// Copies one file, link or directory (without its contents). An existing destination fails.
+QVI18N_API void copy(const upath& from, const upath& to);
+QVI18N_API void copy(const fl::i18n::ustring& from, const fl::i18n::ustring& to);
+inline void copy(const char16_t* from, const char16_t* to)
+{
+    copy(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""));
+}
+
+// Copies a regular file with its permission bits. option values other than the two named mean
+// fail_if_exists. The destination is never left half-written: a new one that fails is removed,
+// and an overwrite is written aside and renamed over the old file, so a failure keeps the old
+// content. A file copied onto itself is FileExistsError, with the file untouched.
+QVI18N_API void copy_file(const upath& from, const upath& to, copy_option option = fail_if_exists);
+QVI18N_API void copy_file(
+    const fl::i18n::ustring& from, const fl::i18n::ustring& to, copy_option option = fail_if_exists);
+inline void copy_file(const char16_t* from, const char16_t* to, copy_option option = fail_if_exists)
+{
+    copy_file(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""), option);
+}
+
+// Makes to a directory with the permissions of the directory from; nothing inside is copied.
+QVI18N_API void copy_directory(const upath& from, const upath& to);
+QVI18N_API void copy_directory(const fl::i18n::ustring& from, const fl::i18n::ustring& to);
+inline void copy_directory(const char16_t* from, const char16_t* to)
+{
+    copy_directory(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""));
+}
+
+// A new link at to with the target of the link from. The ustring form does not clean its
+// arguments: a tilde stays a tilde.
+QVI18N_API void copy_symlink(const upath& from, const upath& to);
+QVI18N_API void copy_symlink(const fl::i18n::ustring& from, const fl::i18n::ustring& to);
+inline void copy_symlink(const char16_t* from, const char16_t* to)
+{
+    copy_symlink(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""));
+}
+
 template <class Char> struct operations_traits;
 
 template <> struct QVI18N_API operations_traits<char> {
@@ -167,6 +270,22 @@ extern template fl::i18n::ustring make_absolute<char16_t>(
 
 // Cleans both texts, makes p absolute on base and resolves it.
 QVI18N_API fl::i18n::ustring make_canonical(const fl::i18n::ustring& p, const fl::i18n::ustring& base);
+
+
+// mkdir 0775; "/" is FileExistsError.
+QVI18N_API void make_dir(const std::string& path);
+// mkdir of every prefix (existing ones pass), then of the whole path, which must be new.
+QVI18N_API void make_directories(const std::string& path);
+// stat of link must fail with ENOENT or ENOTDIR, then symlink(target, link).
+QVI18N_API void create_symbolic_link(
+    const fl::i18n::ustring& target, const fl::i18n::ustring& link, unsigned int type);
+// rmdir for a directory, unlink for a file or link, InvalidArgument for anything else.
+QVI18N_API void remove(const std::string& path);
+// As remove, and a directory goes with its contents.
+QVI18N_API void remove_all(const std::string& path);
+QVI18N_API void recursive_remove(const std::string& path);
+// closedir; a null handle is left alone.
+QVI18N_API void dir_entry_close(DIR* handle);
 
 } // namespace posix
 
