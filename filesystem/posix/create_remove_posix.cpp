@@ -116,13 +116,16 @@ void create_symbolic_link(const fl::i18n::ustring& target, const fl::i18n::ustri
         exception_dispatcher(errno, native_link, std::string());
 }
 
-void remove(const std::string& path)
+namespace {
+
+// A file or a link is unlinked, a directory handed on; anything else is refused.
+void remove_by_type(const std::string& path, void (*remove_directory)(const std::string&))
 {
     switch (get_file_type(path)) {
     case file_status::directory_file:
-        rmdir_or_throw(path);
+        remove_directory(path);
         break;
-    case file_status::symlink_file:
+    case file_status::symlink_file: // the link goes, never what it points to
     case file_status::regular_file:
         unlink_or_throw(path);
         break;
@@ -131,19 +134,16 @@ void remove(const std::string& path)
     }
 }
 
+} // namespace
+
+void remove(const std::string& path)
+{
+    remove_by_type(path, &rmdir_or_throw);
+}
+
 void remove_all(const std::string& path)
 {
-    switch (get_file_type(path)) {
-    case file_status::directory_file:
-        recursive_remove(path);
-        break;
-    case file_status::symlink_file:
-    case file_status::regular_file:
-        unlink_or_throw(path);
-        break;
-    default:
-        throw MakeException(InvalidArgument());
-    }
+    remove_by_type(path, &recursive_remove);
 }
 
 void recursive_remove(const std::string& path)
@@ -155,17 +155,7 @@ void recursive_remove(const std::string& path)
     for (std::string const& name : directory_names(path)) {
         child.resize(base_length);
         child += name;
-        switch (get_file_type(child)) {
-        case file_status::directory_file:
-            recursive_remove(child);
-            break;
-        case file_status::regular_file:
-        case file_status::symlink_file: // the link goes, never what it points to
-            unlink_or_throw(child);
-            break;
-        default:
-            throw MakeException(InvalidArgument());
-        }
+        remove_by_type(child, &recursive_remove);
     }
     rmdir_or_throw(path);
 }
