@@ -10,6 +10,7 @@
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <boost/thread/once.hpp>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -71,20 +72,25 @@ file_status perform_status_impl(boost::function<int(struct stat*)> const& call, 
     posix::exception_dispatcher(error, std::string(), std::string());
 }
 
-boost::mutex* cwd_mutex = nullptr;
+// Published atomically beside the once flag, so that later callers need only the acquire load.
+std::atomic<boost::mutex*> cwd_mutex {nullptr};
 boost::once_flag cwd_mutex_once = BOOST_ONCE_INIT;
 
 void make_cwd_mutex()
 {
-    cwd_mutex = new boost::mutex;
+    cwd_mutex.store(new boost::mutex, std::memory_order_release);
 }
 
 } // namespace
 
 boost::mutex& detail::working_directory_mutex()
 {
-    boost::call_once(cwd_mutex_once, &make_cwd_mutex);
-    return *cwd_mutex;
+    boost::mutex* mutex = cwd_mutex.load(std::memory_order_acquire);
+    if (!mutex) {
+        boost::call_once(cwd_mutex_once, &make_cwd_mutex);
+        mutex = cwd_mutex.load(std::memory_order_acquire);
+    }
+    return *mutex;
 }
 
 namespace posix {

@@ -8,6 +8,7 @@
 #include <boost/thread/once.hpp>
 #include <boost/thread/tss.hpp>
 
+#include <atomic>
 #include <cstring>
 
 namespace fl {
@@ -17,8 +18,9 @@ namespace lcctype {
 namespace {
 
 // The master converter: opened once, never replaced, never destroyed, so that it stays usable
-// while static objects are torn down.
-code_converter_context* master_holder = nullptr;
+// while static objects are torn down. The pointer is published atomically beside the once flag:
+// later readers take the acquire load and never enter the once machinery.
+std::atomic<code_converter_context*> master_holder {nullptr};
 boost::once_flag master_once = BOOST_ONCE_INIT;
 
 void open_master()
@@ -29,23 +31,32 @@ void open_master()
     holder->converter.reset(ucnv_open(encoding.c_str(), &status));
     if (status > U_ZERO_ERROR)
         holder->converter.reset();
-    master_holder = holder.release();
+    master_holder.store(holder.release(), std::memory_order_release);
 }
 
-boost::thread_specific_ptr<code_converter_context>* thread_slot = nullptr;
+std::atomic<boost::thread_specific_ptr<code_converter_context>*> thread_slot {nullptr};
 boost::once_flag thread_slot_once = BOOST_ONCE_INIT;
 
 void make_thread_slot()
 {
-    thread_slot = new boost::thread_specific_ptr<code_converter_context>();
+    thread_slot.store(new boost::thread_specific_ptr<code_converter_context>(), std::memory_order_release);
+}
+
+template <class T> T* made_once(std::atomic<T*>& object, boost::once_flag& flag, void (*make)())
+{
+    T* p = object.load(std::memory_order_acquire);
+    if (!p) {
+        boost::call_once(flag, make);
+        p = object.load(std::memory_order_acquire);
+    }
+    return p;
 }
 
 } // namespace
 
 UConverter* get_global_codecvt()
 {
-    boost::call_once(master_once, &open_master);
-    return master_holder->converter.get();
+    return made_once(master_holder, master_once, &open_master)->converter.get();
 }
 
 std::unique_ptr<UConverter, converter_close> clone_codecvt()
@@ -67,13 +78,14 @@ std::unique_ptr<UConverter, converter_close> clone_codecvt()
 
 UConverter* get_cached_codecvt()
 {
-    boost::call_once(thread_slot_once, &make_thread_slot);
-    code_converter_context* context = thread_slot->get();
+    boost::thread_specific_ptr<code_converter_context>* const slot =
+        made_once(thread_slot, thread_slot_once, &make_thread_slot);
+    code_converter_context* context = slot->get();
     if (!context) {
         std::unique_ptr<UConverter, converter_close> clone = clone_codecvt();
         std::unique_ptr<code_converter_context> made(new code_converter_context);
         made->converter = std::move(clone);
-        thread_slot->reset(made.get());
+        slot->reset(made.get());
         context = made.release();
     }
     return context->converter.get();
