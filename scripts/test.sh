@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, runs every test; then builds and runs the whole
-# suite again under AddressSanitizer + UndefinedBehaviorSanitizer. Fails on any failure.
+# suite again under AddressSanitizer + UndefinedBehaviorSanitizer, and the threaded tests
+# under ThreadSanitizer. Fails on any failure or report.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc 2>/dev/null || echo 2)
@@ -21,3 +22,11 @@ export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:halt_on_error=1:strict_stri
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 export LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0"
 (cd build-asan && ctest --output-on-failure -j "$jobs" -E '^Package\.')
+
+echo "== build the threaded tests with ThreadSanitizer =="
+cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQVI18N_WERROR=ON -DQVI18N_SANITIZE_THREAD=ON \
+  -DQVI18N_BUILD_TESTS=ON -DQVI18N_BUILD_EXAMPLES=OFF
+cmake --build build-tsan -j "$jobs"
+echo "== threaded tests under ThreadSanitizer =="
+export TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1"
+(cd build-tsan && ctest --output-on-failure -j "$jobs")
