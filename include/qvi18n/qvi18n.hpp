@@ -17,6 +17,7 @@
 #include <qvi18n/i18n/locale/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/date_time.hpp>
+#include <qvi18n/i18n/locale/startup/jvm_context.hpp>
 #include <qvi18n/i18n/locale/startup/time_zone.hpp>
 #include <qvi18n/filesystem/file_status.hpp>
 #include <qvi18n/filesystem/operations.hpp>
