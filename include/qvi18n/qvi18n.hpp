@@ -11,6 +11,7 @@
 #include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
 #include <qvi18n/i18n/ctype/ctype_exceptions.hpp>
 #include <qvi18n/i18n/ctype/classification.hpp>
+#include <qvi18n/i18n/ctype/facet.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
