@@ -1,7 +1,7 @@
 // Reading the shipped locale database into an LcData, against the floor: Expat alone parsing the
 // same bytes in one call, with no handlers.
 #include <qvi18n/i18n/locale/lcdata.hpp>
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 
 #include <benchmark/benchmark.h>
 

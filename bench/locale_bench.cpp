@@ -4,7 +4,7 @@
 // - a database look-up by name in any case (copy, ASCII fold, hash) against a plain hash-map find of a
 //   key that is already lower case;
 // - creating a locale by name.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
 #include <benchmark/benchmark.h>

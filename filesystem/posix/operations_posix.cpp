@@ -3,7 +3,7 @@
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/path.hpp>
-#include <qvi18n/i18n/locale/date_time.hpp>
+#include <qvi18n/filesystem/date_time.hpp>
 
 #include "filesystem/posix/operations_posix_impl.hpp"
 

@@ -15,9 +15,9 @@
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
-#include <qvi18n/i18n/locale/date_time.hpp>
+#include <qvi18n/filesystem/date_time.hpp>
 #include <qvi18n/i18n/locale/startup/jvm_context.hpp>
 #include <qvi18n/i18n/locale/startup/time_zone.hpp>
 #include <qvi18n/filesystem/file_status.hpp>

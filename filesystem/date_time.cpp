@@ -1,4 +1,4 @@
-#include <qvi18n/i18n/locale/date_time.hpp>
+#include <qvi18n/filesystem/date_time.hpp>
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <boost/exception/exception.hpp>

@@ -1,5 +1,5 @@
 // The nesting check and the handler that turns lcdata.xml into LcData records.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 
 #include <boost/make_shared.hpp>
 

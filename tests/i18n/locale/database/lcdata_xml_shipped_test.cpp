@@ -1,6 +1,6 @@
 // The database shipped with the library: consistent, complete enough for the locales and
 // encodings users have, and usable by the locale objects built on it.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 

@@ -1,6 +1,6 @@
 // The reader on damaged copies of the shipped database: every run either loads or raises one of
 // the reader's own exceptions. Run under the sanitizers, this also shows no crash and no leak.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 

@@ -1,5 +1,5 @@
 // The locale database reader: the Expat driver and the exceptions of its family.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 
 #include <qvi18n/filesystem/fstream.hpp>
 

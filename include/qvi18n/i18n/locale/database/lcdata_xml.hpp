@@ -1,5 +1,5 @@
-#ifndef QVI18N_I18N_LOCALE_LCDATA_XML_HPP
-#define QVI18N_I18N_LOCALE_LCDATA_XML_HPP
+#ifndef QVI18N_I18N_LOCALE_DATABASE_LCDATA_XML_HPP
+#define QVI18N_I18N_LOCALE_DATABASE_LCDATA_XML_HPP
 
 #include <qvi18n/config.hpp>
 #include <qvi18n/filesystem/path.hpp>
