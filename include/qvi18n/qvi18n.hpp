@@ -25,6 +25,7 @@
 #include <qvi18n/filesystem/stdio.hpp>
 #include <qvi18n/filesystem/fstream.hpp>
 #include <qvi18n/filesystem/install_path.hpp>
+#include <qvi18n/filesystem/temporary.hpp>
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
 #include <qvi18n/i18n/catalog/message_id.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
