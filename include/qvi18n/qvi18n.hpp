@@ -11,6 +11,10 @@
 #include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
 #include <qvi18n/i18n/ctype/ctype_exceptions.hpp>
 #include <qvi18n/i18n/ctype/classification.hpp>
+#include <qvi18n/i18n/ctype/transform.hpp>
+#include <qvi18n/i18n/ctype/character_handling_mode_context.hpp>
+#include <qvi18n/i18n/ctype/trim.hpp>
+#include <qvi18n/i18n/ctype/unescape.hpp>
 #include <qvi18n/i18n/ctype/facet.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
