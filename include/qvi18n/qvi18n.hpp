@@ -16,6 +16,7 @@
 #include <qvi18n/i18n/ctype/trim.hpp>
 #include <qvi18n/i18n/ctype/unescape.hpp>
 #include <qvi18n/i18n/ctype/facet.hpp>
+#include <qvi18n/i18n/ctype/pattern_match.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
