@@ -1,5 +1,7 @@
 #include <qvi18n/filesystem/posix/path_algorithms.hpp>
 
+#include "filesystem/posix/user_database.hpp"
+
 #include <pwd.h>
 #include <unistd.h>
 
@@ -11,16 +13,12 @@ namespace posix {
 
 namespace {
 
-const std::size_t user_buffer_size = 1024;
-
 std::string home_of_user(const std::string& name)
 {
-    char buffer[user_buffer_size];
-    struct passwd entry;
-    struct passwd* result = nullptr;
-    if (getpwnam_r(name.c_str(), &entry, buffer, sizeof buffer, &result) != 0 || !result || !result->pw_dir)
-        return std::string();
-    return result->pw_dir;
+    return detail::home_from_user_database(
+        [&name](struct passwd* entry, char* buffer, std::size_t size, struct passwd** result) {
+            return getpwnam_r(name.c_str(), entry, buffer, size, result);
+        });
 }
 
 std::string home_of_current_user()
@@ -28,15 +26,11 @@ std::string home_of_current_user()
     const char* env = std::getenv("HOME");
     if (env && *env)
         return env;
-    char buffer[user_buffer_size];
-    struct passwd entry;
-    struct passwd* result = nullptr;
-    if (getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &result) != 0)
-        return std::string();
-    // A zero return with no entry means "no such user"; no home then.
-    if (!result || !result->pw_dir)
-        return std::string();
-    return result->pw_dir;
+    const uid_t user = getuid();
+    return detail::home_from_user_database(
+        [user](struct passwd* entry, char* buffer, std::size_t size, struct passwd** result) {
+            return getpwuid_r(user, entry, buffer, size, result);
+        });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <qvi18n/filesystem/path.hpp>
 
+#include "filesystem/posix/user_database.hpp"
 #include "tests/filesystem/path_test_text.hpp"
 #include <qvtest/scoped_env.hpp>
 
@@ -9,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -132,4 +134,30 @@ TEST(TildeExpansion, NoHomeAnywhereGivesAnEmptyPath)
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0) << "bit mask of failed checks in the child";
+}
+
+// An entry larger than the first buffer is still found: the buffer grows on ERANGE, up to a bound
+// past which the user counts as unknown rather than memory growing without end.
+TEST(TildeExpansion, UserEntryLargerThanTheFirstBuffer)
+{
+    namespace db = fl::filesystem::posix::detail;
+    static char home[] = "/home/large";
+    std::size_t calls = 0;
+    auto entry_needing = [&](std::size_t needed) {
+        return [&calls, needed](struct passwd* entry, char*, std::size_t size, struct passwd** result) {
+            ++calls;
+            *result = nullptr;
+            if (size < needed)
+                return ERANGE;
+            entry->pw_dir = home;
+            *result = entry;
+            return 0;
+        };
+    };
+    EXPECT_EQ(db::home_from_user_database(entry_needing(100000)), "/home/large");
+    EXPECT_GT(calls, 1u);
+
+    calls = 0;
+    EXPECT_EQ(db::home_from_user_database(entry_needing(db::user_entry_buffer_limit * 4)), "");
+    EXPECT_LT(calls, 20u);
 }
