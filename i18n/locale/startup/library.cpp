@@ -1,7 +1,13 @@
 #include <qvi18n/config.hpp>
 
 #ifdef QVI18N_PLATFORM_TAG_BUILD
-static_assert(sizeof(QVI18N_PLATFORM_TAG_BUILD) == sizeof(QVI18N_PLATFORM_TAG),
+namespace {
+constexpr bool same_text(char const* a, char const* b)
+{
+    return *a == *b && (*a == '\0' || same_text(a + 1, b + 1));
+}
+} // namespace
+static_assert(same_text(QVI18N_PLATFORM_TAG_BUILD, QVI18N_PLATFORM_TAG),
     "the build system and the compiler disagree on the platform tag");
 #endif
 
