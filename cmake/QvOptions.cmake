@@ -14,3 +14,14 @@ if(QVI18N_SANITIZE_THREAD)
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
   add_link_options(-fsanitize=thread)
 endif()
+
+if(QVI18N_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "QVI18N_FUZZ needs clang (CXX=clang++)")
+  endif()
+  # Coverage feedback for the library's code as well as the targets'; the targets link the
+  # fuzzer's main (fuzz/CMakeLists.txt).
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer -gline-tables-only)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that building and testing libqvi18n needs, and only the
 # ones missing. Idempotent; runs apt-get update once, and only when something is missing.
+# Arguments add the packages of optional jobs: "fuzz" (scripts/fuzz.sh), "coverage"
+# (scripts/coverage.sh).
 set -euo pipefail
 
 packages=(
@@ -9,6 +11,13 @@ packages=(
   libboost-dev libboost-filesystem-dev libboost-system-dev libboost-thread-dev libboost-date-time-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
+for job in "$@"; do
+  case "$job" in
+    fuzz) packages+=(clang libclang-rt-14-dev) ;;
+    coverage) packages+=(gcovr) ;;
+    *) echo "install-deps: unknown job $job" >&2; exit 2 ;;
+  esac
+done
 if [[ "${QVI18N_EXTRA_PACKAGES:-}" != "" ]]; then
   read -r -a extra <<<"$QVI18N_EXTRA_PACKAGES"
   packages+=("${extra[@]}")
