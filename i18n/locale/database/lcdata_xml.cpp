@@ -7,6 +7,7 @@
 
 #include <expat.h>
 
+#include <exception>
 #include <sstream>
 
 namespace fl {
@@ -47,37 +48,45 @@ struct ParseState {
     EventHandler* handler;
     XML_Parser parser;
     int result;
+    // An exception a handler threw. It must not unwind through Expat's frames, so the call-back
+    // keeps it, stops the parser, and the driver throws it again once Expat has returned.
+    std::exception_ptr error;
 };
 
-void stopOnRefusal(ParseState* state, int result)
+// Runs one handler call for a call-back: a refusal or an exception stops the parser, and once
+// stopped no further event reaches the handler.
+template <class Call> void deliver(void* data, Call call)
 {
-    state->result = result;
-    if (result != 0)
+    auto* state = static_cast<ParseState*>(data);
+    if (state->error || state->result != 0)
+        return;
+    try {
+        state->result = call(*state->handler);
+    } catch (...) {
+        state->error = std::current_exception();
+    }
+    if (state->error || state->result != 0)
         XML_StopParser(state->parser, XML_FALSE);
 }
 
 void onXmlDecl(void* data, XML_Char const* version, XML_Char const* encoding, int standalone)
 {
-    auto* state = static_cast<ParseState*>(data);
-    stopOnRefusal(state, state->handler->checkXMLDoc(version, encoding, standalone));
+    deliver(data, [&](EventHandler& handler) { return handler.checkXMLDoc(version, encoding, standalone); });
 }
 
 void onStart(void* data, XML_Char const* name, XML_Char const** attributes)
 {
-    auto* state = static_cast<ParseState*>(data);
-    stopOnRefusal(state, state->handler->startEntry(name, attributes));
+    deliver(data, [&](EventHandler& handler) { return handler.startEntry(name, attributes); });
 }
 
 void onEnd(void* data, XML_Char const* name)
 {
-    auto* state = static_cast<ParseState*>(data);
-    stopOnRefusal(state, state->handler->endEntry(name));
+    deliver(data, [&](EventHandler& handler) { return handler.endEntry(name); });
 }
 
 void onText(void* data, XML_Char const* text, int length)
 {
-    auto* state = static_cast<ParseState*>(data);
-    stopOnRefusal(state, state->handler->entryData(text, length));
+    deliver(data, [&](EventHandler& handler) { return handler.entryData(text, length); });
 }
 
 [[noreturn]] void throwParseError(XML_Parser parser)
@@ -152,7 +161,7 @@ void parseXmlDocument(EventHandler& handler, fl::filesystem::native_path const& 
     if (!parser)
         throw boost::enable_current_exception(LcRscParserCreationFailure());
 
-    ParseState state {&handler, parser, 0};
+    ParseState state {&handler, parser, 0, nullptr};
     XML_SetUserData(parser, &state);
     XML_SetXmlDeclHandler(parser, onXmlDecl);
     XML_SetElementHandler(parser, onStart, onEnd);
@@ -171,8 +180,12 @@ void parseXmlDocument(EventHandler& handler, fl::filesystem::native_path const& 
         // failbit without eofbit cannot follow a read that was not bad; it ends the loop all the
         // same, so that a stream in an odd state can never spin here.
         bool const last = in.eof() || in.fail();
-        if (XML_ParseBuffer(parser, static_cast<int>(in.gcount()), last ? XML_TRUE : XML_FALSE)
-            == XML_STATUS_ERROR)
+        XML_Status const status
+            = XML_ParseBuffer(parser, static_cast<int>(in.gcount()), last ? XML_TRUE : XML_FALSE);
+        // A handler's own exception wins over the "aborted" that stopping the parser leaves.
+        if (state.error)
+            std::rethrow_exception(state.error);
+        if (status == XML_STATUS_ERROR)
             throwParseError(parser);
         if (last)
             break;

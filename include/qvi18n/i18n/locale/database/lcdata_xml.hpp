@@ -83,7 +83,8 @@ private:
 };
 
 /// The receiving side of parseXmlDocument. Every operation answers 0 to go on; anything else
-/// stops the parse, which then fails with LcRscInvalidXmlDoc (Expat's "parsing aborted").
+/// stops the parse, which then fails with LcRscInvalidXmlDoc (Expat's "parsing aborted"). An
+/// exception an operation throws also stops the parse and leaves parseXmlDocument unchanged.
 class QVI18N_API EventHandler {
 public:
     virtual ~EventHandler();
@@ -113,8 +114,13 @@ private:
 /// Table-driven nesting check: each known element names the one parent it may appear in.
 /// The first element opened may be any known element. An element opened directly inside one of
 /// the same name is taken without being stacked, so its end tag closes the outer one.
+/// Not copyable: it keeps pointers into its own table.
 class QVI18N_API EventValidator {
 public:
+    EventValidator() = default;
+    EventValidator(EventValidator const&) = delete;
+    EventValidator& operator=(EventValidator const&) = delete;
+
     struct EventDesc {
         int id;
         std::string parent;
@@ -149,6 +155,9 @@ private:
 class QVI18N_API LcdbEventHandler : public EventHandler {
 public:
     explicit LcdbEventHandler(LcData& data);
+    // Not copyable, as its validator is not.
+    LcdbEventHandler(LcdbEventHandler const&) = delete;
+    LcdbEventHandler& operator=(LcdbEventHandler const&) = delete;
     ~LcdbEventHandler() override;
 
     /// Accepts a declaration only if it names "UTF-8" (in any ASCII case).
