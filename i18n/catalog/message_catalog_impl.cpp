@@ -2,8 +2,9 @@
 
 #include <qvi18n/filesystem/operations.hpp>
 
+#include "i18n/catalog/checked_length.hpp"
+
 #include <boost/exception/exception.hpp>
-#include <boost/numeric/conversion/cast.hpp>
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
 
@@ -40,11 +41,11 @@ struct to_formattable : boost::static_visitor<icu::Formattable> {
     {
         // ICU's default codepage, not this library's converters.
         return icu::Formattable(
-            icu::UnicodeString(value.c_str(), boost::numeric_cast<int32_t>(value.size())));
+            icu::UnicodeString(value.c_str(), detail::checked_length(value.size())));
     }
     icu::Formattable operator()(const ustring& value) const
     {
-        return icu::Formattable(icu::UnicodeString(value.data(), boost::numeric_cast<int32_t>(value.size())));
+        return icu::Formattable(icu::UnicodeString(value.data(), detail::checked_length(value.size())));
     }
 };
 
@@ -187,7 +188,7 @@ ustring MessageCatalogImpl::getFormattedMessage(const ustring& pattern, const ho
 ustring MessageCatalogImpl::GetFormattedMessageImpl(
     const ustring& pattern, const hole_values& holes, bool check_hole_count)
 {
-    const icu::UnicodeString source(pattern.data(), boost::numeric_cast<int32_t>(pattern.size()));
+    const icu::UnicodeString source(pattern.data(), detail::checked_length(pattern.size()));
 
     // Catalog authors write a single apostrophe as plain text ("It's {0}").
     UErrorCode status = U_ZERO_ERROR;

@@ -6,6 +6,8 @@
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 
+#include "i18n/catalog/checked_length.hpp"
+
 #include <gtest/gtest.h>
 
 #include <boost/exception_ptr.hpp>
@@ -114,4 +116,16 @@ TEST(MessageFormat, FailuresCrossThreadsAsTheirOwnClass)
         carried = boost::current_exception();
     }
     EXPECT_THROW(boost::rethrow_exception(carried), MessageCatalog::IncorrectHoleCount);
+
+    // A pattern or value too long for ICU's int lengths (too large to build here): the length
+    // check refuses it as numeric_cast would, in the form an exception pointer carries.
+    carried = boost::exception_ptr();
+    try {
+        fl::i18n::detail::checked_length(std::size_t(0x80000000u));
+    } catch (...) {
+        carried = boost::current_exception();
+    }
+    ASSERT_TRUE(carried);
+    EXPECT_THROW(boost::rethrow_exception(carried), boost::numeric::positive_overflow);
+    EXPECT_EQ(fl::i18n::detail::checked_length(0x7FFFFFFFu), 0x7FFFFFFF);
 }
