@@ -2,10 +2,12 @@
 
 #include <qvi18n/filesystem/fstream.hpp>
 
+#include "i18n/catalog/checked_length.hpp"
+
 #include <boost/exception/exception.hpp>
-#include <boost/numeric/conversion/cast.hpp>
 
 #include <cstring>
+#include <exception>
 #include <istream>
 #include <memory>
 #include <string>
@@ -71,45 +73,45 @@ namespace {
 // The user data holds the handler for the loader's whole life, so the callbacks borrow it rather
 // than take a counted reference on every event.
 
-void XMLCALL on_element_start(void* data, const XML_Char* name, const XML_Char** attributes)
+// Runs one handler call for a callback. A refusal stops the parser; so does an exception, which
+// must not unwind through Expat's frames: it is kept and thrown again once XML_Parse has returned.
+// Once stopped, no further event reaches the handler.
+template <class Call> void deliver(void* data, Call call)
 {
     ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    ExpatEventHandler* handler = user->handler.get();
-    if (!handler->elementStart(name, attributes)) {
-        XML_StopParser(user->parser, XML_FALSE);
+    if (user->error) {
+        return;
     }
-}
-
-void XMLCALL on_element_end(void* data, const XML_Char* name)
-{
-    ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    ExpatEventHandler* handler = user->handler.get();
-    if (!handler->elementEnd(name)) {
-        XML_StopParser(user->parser, XML_FALSE);
+    bool ok = false;
+    try {
+        ok = call(*user->handler);
+    } catch (...) {
+        user->error = std::current_exception();
     }
-}
-
-void XMLCALL on_character_data(void* data, const XML_Char* text, int length)
-{
-    ExpatLoader::XML_Parser_User_Data* user = static_cast<ExpatLoader::XML_Parser_User_Data*>(data);
-    ExpatEventHandler* handler = user->handler.get();
-    bool ok = handler->elementData(text, length, user->new_line);
-    // Only the first run of a line opens it; Expat splits a line's text around entities.
-    user->new_line = false;
     if (!ok) {
         XML_StopParser(user->parser, XML_FALSE);
     }
 }
 
-// Expat takes an int; a longer line is refused the way numeric_cast refuses it, in the form that
-// an exception_ptr can carry.
-int checked_length(std::string::size_type size)
+void XMLCALL on_element_start(void* data, const XML_Char* name, const XML_Char** attributes)
 {
-    try {
-        return boost::numeric_cast<int>(size);
-    } catch (const boost::numeric::positive_overflow& e) {
-        throw boost::enable_current_exception(e);
-    }
+    deliver(data, [&](ExpatEventHandler& handler) { return handler.elementStart(name, attributes); });
+}
+
+void XMLCALL on_element_end(void* data, const XML_Char* name)
+{
+    deliver(data, [&](ExpatEventHandler& handler) { return handler.elementEnd(name); });
+}
+
+void XMLCALL on_character_data(void* data, const XML_Char* text, int length)
+{
+    bool& new_line = static_cast<ExpatLoader::XML_Parser_User_Data*>(data)->new_line;
+    deliver(data, [&](ExpatEventHandler& handler) {
+        const bool ok = handler.elementData(text, length, new_line);
+        // Only the first run of a line opens it; Expat splits a line's text around entities.
+        new_line = false;
+        return ok;
+    });
 }
 
 } // namespace
@@ -150,8 +152,12 @@ bool ExpatLoader::load_file()
     bool ok = true;
     auto parse_line = [this](const char* text, std::string::size_type size, bool last) {
         user_data->new_line = true;
-        const int length = checked_length(size);
-        return XML_Parse(parser.get(), text, length, last ? XML_TRUE : XML_FALSE) != XML_STATUS_ERROR;
+        const int length = detail::checked_length(size);
+        const bool parsed = XML_Parse(parser.get(), text, length, last ? XML_TRUE : XML_FALSE) != XML_STATUS_ERROR;
+        if (user_data->error) {
+            std::rethrow_exception(user_data->error);
+        }
+        return parsed;
     };
     while (ok) {
         // read() turns a failing device into badbit, as line-wise reading did.

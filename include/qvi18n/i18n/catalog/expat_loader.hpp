@@ -12,6 +12,7 @@
 #include <boost/shared_ptr.hpp>
 #include <expat.h>
 
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -64,13 +65,15 @@ public:
         XML_Parser parser;
         boost::shared_ptr<ExpatEventHandler> handler;
         bool new_line;
+        // What a handler threw: it stopped the parser and leaves load_file once Expat returned.
+        std::exception_ptr error;
     };
 
     ExpatLoader(const fl::filesystem::upath& file, boost::shared_ptr<ExpatEventHandler> handler);
     ~ExpatLoader();
 
     // Reads and parses the whole file; false when it can't be opened, isn't well formed or the
-    // handler refused it. A file cut off after a complete line is not noticed: what was read
+    // handler refused it. An exception from the handler stops the parse and leaves as it was thrown. A file cut off after a complete line is not noticed: what was read
     // stays and the result is true. Call once per loader.
     bool load_file();
 
