@@ -28,6 +28,7 @@
 #include <qvi18n/filesystem/file_status.hpp>
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/filesystem/compare.hpp>
+#include <qvi18n/filesystem/directory_iterator.hpp>
 #include <qvi18n/filesystem/stdio.hpp>
 #include <qvi18n/filesystem/fstream.hpp>
 #include <qvi18n/filesystem/install_path.hpp>

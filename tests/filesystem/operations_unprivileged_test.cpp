@@ -1,5 +1,6 @@
 // Refusals by the system. CI runs as root, which passes every permission check, so each case
 // runs in a forked child that first becomes the unprivileged user 65534.
+#include <qvi18n/filesystem/directory_iterator.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/fstream.hpp>
 #include <qvi18n/filesystem/operations.hpp>
@@ -169,6 +170,11 @@ TEST_F(OrdinaryUser, ChangesRefusedByPermissionsLoseNothing)
         [&] { return throws<fs::AccessDenied>([&] { fs::copy_file(u(mine), u(dir / "copy")); }); },
         [&] { return throws<fs::AccessDenied>([&] { fs::create_symlink(u(mine), u(dir / "l"), 1); }); },
         [&] { return !missing(secret) && missing(dir / "new") && missing(dir / "copy"); },
+        [&] { return throws<fs::AccessDenied>([&] { fs::upath_directory_iterator it(u(locked)); }); },
+        [&] {
+            return throws<fs::AccessDenied>(
+                [&] { fs::upath_directory_iterator it(u(locked), fs::filename_pattern_context(u"*")); });
+        },
     });
 }
 
