@@ -181,18 +181,27 @@ std::vector<LocaleRecord> buildLocales(
 
     LocaleRecord posix {"en_US_POSIX", "US-ASCII", "C", {}};
     keys.insert(posix.name);
+    // The C locale in UTF-8 is a locale of its own on Linux (it classifies all of Unicode), and a
+    // process started with it must keep UTF-8: it gets a record with that encoding and XPG name.
+    LocaleRecord cUtf8 {"C.UTF-8", "UTF-8", "C.UTF-8", {}};
+    keys.insert(cUtf8.name);
     {
         AliasList aliases(keys, encodingKeys, posix);
+        AliasList utf8Aliases(keys, encodingKeys, cUtf8);
+        for (char const* a : {"C.utf8", "POSIX.UTF-8", "POSIX.utf8"})
+            utf8Aliases.add(a);
         for (char const* a : {"C", "POSIX", "en_US_POSIX.US-ASCII", "C.US-ASCII", "POSIX.US-ASCII"})
             aliases.add(a);
         for (auto const& a : cAliases) {
-            aliases.add(a);
             NameParts p = splitName(a);
+            AliasList& target = normalizedCharset(p.codeset) == "utf8" ? utf8Aliases : aliases;
+            target.add(a);
             if (!p.codeset.empty())
-                aliases.add(compose(p.base, normalizedCharset(p.codeset), p.modifier));
+                target.add(compose(p.base, normalizedCharset(p.codeset), p.modifier));
         }
     }
     out.push_back(posix);
+    out.push_back(cUtf8);
 
     // The system's UTF-8 name of a locale without a modifier, for modifier locales that the system
     // only has in a legacy charset (de_DE@euro): the UTF-8 locale of the same place serves them.

@@ -136,8 +136,13 @@ TEST_F(ShippedDatabase, BuiltInLocaleAndItsNames)
     ASSERT_NE(posix, nullptr);
     EXPECT_EQ(posix->encoding, "US-ASCII");
     EXPECT_EQ(posix->xpg_name, "C");
-    for (char const* name : {"C", "POSIX", "c", "posix", "en_US_POSIX.US-ASCII", "C.UTF-8"})
+    for (char const* name : {"C", "POSIX", "c", "posix", "en_US_POSIX.US-ASCII"})
         EXPECT_EQ(data_->getLcName(name), "en_US_POSIX") << name;
+    // C in UTF-8 keeps its own encoding and XPG name, so that a process started in it stays UTF-8.
+    for (char const* name : {"C.UTF-8", "c.utf8", "POSIX.UTF-8"})
+        EXPECT_EQ(data_->getLcName(name), "C.UTF-8") << name;
+    EXPECT_EQ(data_->getDefaultEncoding("C.UTF-8"), "UTF-8");
+    EXPECT_EQ(data_->getXpgLcName("C.utf8"), "C.UTF-8");
 }
 
 TEST_F(ShippedDatabase, SystemLocalesUnderCanonicalNamesWithTheirSpellings)
