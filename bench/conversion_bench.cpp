@@ -76,8 +76,9 @@ void use_utf8_global_locale()
         return;
     done = true;
     fl::i18n::QvLocaleCtx& ctx = fl::i18n::get_qvlocale_context();
-    ctx.getLcData().addLcName("en_US", "UTF-8", "en_US.UTF-8");
-    ctx.getLcData().addEncodingName("UTF-8", "UTF8");
+    boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
+    ctx.getLcDataForUpdate(lock).addLcName("en_US", "UTF-8", "en_US.UTF-8");
+    ctx.getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
     ctx.setCurrentLocale(
         std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
     if (!ctx.setGlobalLocale(&ctx.getCurrentLocale()) || fl::i18n::QvLocale::global().encoding() != "UTF-8")

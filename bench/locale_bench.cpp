@@ -31,8 +31,8 @@ void fillDatabase()
 {
     static std::once_flag once;
     std::call_once(once, [] {
-        boost::lock_guard<boost::mutex> lock(fl::i18n::getLcMutex());
-        fl::i18n::LcData& data = fl::i18n::get_qvlocale_context().getLcData();
+        boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
+        fl::i18n::LcData& data = fl::i18n::get_qvlocale_context().getLcDataForUpdate(lock);
         fl::i18n::parseLcData(data, fl::filesystem::native_path(databasePath()));
         if (data.getLcName("de_DE").empty())
             throw std::runtime_error("database without de_DE at " + databasePath());

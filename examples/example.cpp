@@ -68,8 +68,8 @@ int main()
         global.encoding().c_str());
     std::string lcdata = root + "/bin/lcdata.xml";
     try {
-        boost::lock_guard<boost::mutex> lock(fi::getLcMutex());
-        fi::parseLcData(fi::get_qvlocale_context().getLcData(), fs::native_path(lcdata));
+        boost::unique_lock<boost::mutex> lock(fi::getLcMutex());
+        fi::parseLcData(fi::get_qvlocale_context().getLcDataForUpdate(lock), fs::native_path(lcdata));
         std::printf("read the locale database %s\n", lcdata.c_str());
     } catch (std::exception const& e) {
         std::printf("could not read %s: %s\n", lcdata.c_str(), e.what());

@@ -7,17 +7,33 @@
 #include <unicode/locid.h>
 #include <unicode/ucnv.h>
 
+#include <stdexcept>
+
 namespace fl {
 namespace i18n {
 
 LcStatusCtx::LcStatusCtx()
-    : status(not_initialized)
+    : status_(not_initialized)
+    , exception_(nullptr)
 { }
 
 LcStatusCtx::~LcStatusCtx() = default;
 
+void LcStatusCtx::setException(QvLcMgmtExceptionBase* e)
+{
+    std::unique_ptr<QvLcMgmtExceptionBase> owned(e);
+    if (owned) {
+        owned_.push_back(std::move(owned));
+    }
+    exception_.store(e, std::memory_order_release);
+}
+
 QvLocaleCtx::QvLocaleCtx()
     : initialized(false)
+    , classicLocale(nullptr)
+    , systemLocale(nullptr)
+    , currentLocale(nullptr)
+    , nonL10nLocale(nullptr)
     , globalLocale(nullptr)
     , l10nEnabled(true)
     , localeLocked(false)
@@ -31,8 +47,6 @@ void QvLocaleCtx::initDefaultCtx()
     std::string const posix = LcData::get_posix_locale_short();
     std::string const ascii = LcData::get_default_codeset();
 
-    // Built aside and then installed through replace(), so that running this again frees nothing a
-    // reader may hold.
     std::unique_ptr<QvLocaleImpl> classic(new QvLocaleImpl(lcData));
     classic->setLcName(posix, std::string());
     classic->setEncoding(ascii);
@@ -43,23 +57,34 @@ void QvLocaleCtx::initDefaultCtx()
     system->setEncoding(ascii);
     system->setTerminalEncoding(ascii);
 
+    // Not a copy: copying reaches the context, which is still being made.
     std::unique_ptr<QvLocaleImpl> current(new QvLocaleImpl(lcData));
     current->setLcName(posix, std::string());
     current->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
     current->setEncoding(ascii);
     current->setTerminalEncoding(ascii);
 
-    replace(classicLocale, std::move(classic));
-    replace(systemLocale, std::move(system));
-    replace(currentLocale, std::move(current));
-    setGlobalLocale(classicLocale.get());
+    publish(classicLocale, std::move(classic));
+    publish(systemLocale, std::move(system));
+    publish(currentLocale, std::move(current));
+    setGlobalLocale(classicLocale.load(std::memory_order_relaxed));
 
-    ucnv_setDefaultName(ascii.c_str());
+    // ICU's default converter is not set here: ucnv_setDefaultName is not thread-safe, and this runs on
+    // whichever thread uses the context first. Start-up sets it.
     UErrorCode status = U_ZERO_ERROR;
     icu::Locale::setDefault(icu::Locale(posix.c_str()), status);
 
     initCatNameTbl();
     initOptDataTypeTbl();
+}
+
+LcData& QvLocaleCtx::getLcDataForUpdate(boost::unique_lock<boost::mutex> const& lock)
+{
+    if (!lock.owns_lock() || lock.mutex() != &getLcMutex()) {
+        throw boost::enable_current_exception(
+            std::logic_error("the locale database is only written under the global locale lock"));
+    }
+    return lcData;
 }
 
 void QvLocaleCtx::initCatNameTbl()
@@ -114,38 +139,123 @@ QvLcOptDataCtx::LcOptDataType QvLocaleCtx::getOptDataType(std::string const& nam
 
 // A replaced locale may still be referenced by a reader of classic(), system() or global(); it costs
 // little to keep it for the life of the process.
-void QvLocaleCtx::replace(std::unique_ptr<QvLocaleImpl>& slot, std::unique_ptr<QvLocaleImpl> locale)
+void QvLocaleCtx::publish(std::atomic<QvLocaleImpl const*>& slot, std::unique_ptr<QvLocaleImpl> locale) const
 {
-    if (slot) {
-        retired.push_back(std::move(slot));
-    }
-    slot = std::move(locale);
+    QvLocaleImpl const* raw = locale.get();
+    owned.push_back(std::move(locale));
+    slot.store(raw, std::memory_order_release);
 }
 
 void QvLocaleCtx::setSystemLocale(std::unique_ptr<QvLocaleImpl> locale)
 {
-    replace(systemLocale, std::move(locale));
+    publish(systemLocale, std::move(locale));
 }
 
 void QvLocaleCtx::setCurrentLocale(std::unique_ptr<QvLocaleImpl> locale)
 {
-    replace(currentLocale, std::move(locale));
+    publish(currentLocale, std::move(locale));
 }
 
 void QvLocaleCtx::setNonL10nLocale(std::unique_ptr<QvLocaleImpl> locale)
 {
-    replace(nonL10nLocale, std::move(locale));
+    publish(nonL10nLocale, std::move(locale));
 }
 
 bool QvLocaleCtx::setGlobalLocale(QvLocaleImpl const* locale)
 {
     if (locale == nullptr
-        || (locale != classicLocale.get() && locale != systemLocale.get() && locale != currentLocale.get()
-            && locale != nonL10nLocale.get())) {
+        || (locale != classicLocale.load(std::memory_order_acquire)
+            && locale != systemLocale.load(std::memory_order_acquire)
+            && locale != currentLocale.load(std::memory_order_acquire)
+            && locale != nonL10nLocale.load(std::memory_order_acquire))) {
         return false;
     }
     globalLocale.exchange(locale, std::memory_order_acq_rel);
     return true;
+}
+
+void QvLocaleCtx::initGlobalLocale(bool use_default)
+{
+    localeContext = lcmgmt::osx::locale_context();
+    // The system locale is filled aside and published when complete.
+    std::unique_ptr<QvLocaleImpl> system(new QvLocaleImpl(lcData));
+    initContext.reset(new lcmgmt::locale_initialization_context(lcData, *system, lcStatus, localeContext));
+    if (use_default) {
+        initContext->initialize_with_default();
+    } else {
+        initContext->initialize();
+    }
+    if (localeContext.l10n_control == "on") {
+        setLocaleLocked();
+    }
+
+    // The global locale never formats numbers the local way; the system locale keeps the user's.
+    std::unique_ptr<QvLocaleImpl> current(new QvLocaleImpl(*system));
+    current->setLcName(LcData::get_posix_locale_short(), std::string(), QvLocale::LcNumeric);
+    publish(systemLocale, std::move(system));
+    QvLocaleImpl const* published = current.get();
+    publish(currentLocale, std::move(current));
+    setGlobalLocale(published);
+
+    if (!localeContext.messages_l10n) {
+        create_non_l10n_rsc_locale_object();
+        clearL10nEnabled();
+    }
+    initContext->set_xpg_locale(use_default);
+    if (!use_default) {
+        QvLocale const& global = getGlobalLocale();
+        ucnv_setDefaultName(global.encoding().c_str());
+        UErrorCode status = U_ZERO_ERROR;
+        icu::Locale::setDefault(icu::Locale(global.shortName(QvLocale::LcCtype).c_str()), status);
+    }
+    initContext->set_app_lang_setting();
+}
+
+void QvLocaleCtx::create_non_l10n_rsc_locale_object() const
+{
+    QvLocaleImpl const& current = getCurrentLocale();
+    std::string const messages = current.shortName(QvLocale::LcMessages);
+    if (messages == LcData::get_default_locale_short() || messages == LcData::get_posix_locale_short()) {
+        return;
+    }
+    std::unique_ptr<QvLocaleImpl> english(new QvLocaleImpl(current));
+    english->setLcName(LcData::get_default_locale_short(), std::string(), QvLocale::LcMessages);
+    QvLocaleImpl const* published = english.get();
+    publish(nonL10nLocale, std::move(english));
+    globalLocale.exchange(published, std::memory_order_acq_rel);
+    if (initContext) {
+        initContext->disable_l10n_resource();
+    }
+}
+
+void QvLocaleCtx::disable_l10n_rsc() const
+{
+    if (getL10nEnabled()) {
+        create_non_l10n_rsc_locale_object();
+        clearL10nEnabled();
+    }
+}
+
+void QvLocaleCtx::change_current_locale(QvLocale const& locale) const
+{
+    if (getLocaleLocked() || !getL10nEnabled()) {
+        return;
+    }
+    // Only a move to English is taken; whatever the argument, the first call closes the door.
+    std::string const english = LcData::get_default_locale_short();
+    if (locale.shortName(QvLocale::LcMessages) != english
+        || getCurrentLocale().shortName(QvLocale::LcMessages) == english) {
+        setLocaleLocked();
+        return;
+    }
+    create_non_l10n_rsc_locale_object();
+    clearL10nEnabled();
+    setLocaleLocked();
+}
+
+void QvLocaleCtx::lock_current_locale() const
+{
+    setLocaleLocked();
 }
 
 std::atomic<QvLocaleCtx*> QvLcCtxSingleton::m_instance(nullptr);

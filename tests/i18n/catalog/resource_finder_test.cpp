@@ -40,10 +40,13 @@ using fl::i18n::ustring;
 
 boost::shared_ptr<QvLocale const> locale_named(const std::string& name)
 {
-    fl::i18n::LcData& db = fl::i18n::get_qvlocale_context().getLcData();
-    db.addEncodingName("UTF-8", "UTF8");
-    db.addEncodingAlias("UTF-8", "UTF-8");
-    db.addLcName(name, "UTF-8", name + ".UTF-8");
+    {
+        boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
+        fl::i18n::LcData& db = fl::i18n::get_qvlocale_context().getLcDataForUpdate(lock);
+        db.addEncodingName("UTF-8", "UTF8");
+        db.addEncodingAlias("UTF-8", "UTF-8");
+        db.addLcName(name, "UTF-8", name + ".UTF-8");
+    }
     return QvLocale::createLocale(name);
 }
 

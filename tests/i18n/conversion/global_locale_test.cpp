@@ -18,8 +18,9 @@ namespace {
 void make_global(const std::string& name, const std::string& encoding)
 {
     QvLocaleCtx& ctx = get_qvlocale_context();
-    ctx.getLcData().addLcName(name, encoding, name + "." + encoding);
-    ctx.getLcData().addEncodingName(encoding, encoding);
+    boost::unique_lock<boost::mutex> lock(getLcMutex());
+    ctx.getLcDataForUpdate(lock).addLcName(name, encoding, name + "." + encoding);
+    ctx.getLcDataForUpdate(lock).addEncodingName(encoding, encoding);
     ctx.setCurrentLocale(std::unique_ptr<QvLocaleImpl>(new QvLocaleImpl(name)));
     ASSERT_TRUE(ctx.setGlobalLocale(&ctx.getCurrentLocale()));
     ASSERT_EQ(QvLocale::global().encoding(), encoding);

@@ -9,7 +9,8 @@ namespace qvtest {
 // the first definition of every key wins.
 inline void fill_locale_database()
 {
-    fl::i18n::LcData& data = fl::i18n::get_qvlocale_context().getLcData();
+    boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
+    fl::i18n::LcData& data = fl::i18n::get_qvlocale_context().getLcDataForUpdate(lock);
     data.addLcName("en_US_POSIX", "US-ASCII", "C");
     auto en = data.addLcName("en_US", "ISO-8859-1", "en_US.ISO8859-1");
     data.addAliasLcName(en, "english");

@@ -16,8 +16,8 @@ int main(int argc, char** argv)
         return 1;
     std::string prefix = argv[1];
     {
-        boost::lock_guard<boost::mutex> lock(fi::getLcMutex());
-        fi::parseLcData(fi::get_qvlocale_context().getLcData(),
+        boost::unique_lock<boost::mutex> lock(fi::getLcMutex());
+        fi::parseLcData(fi::get_qvlocale_context().getLcDataForUpdate(lock),
             fl::filesystem::native_path(prefix + "/bin/lcdata.xml"));
     }
     if (!fi::MessageCatalog::MessageCatalogInit(prefix))

@@ -5,8 +5,10 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
+#include <qvi18n/i18n/locale/system_locale.hpp>
 
 #include <boost/noncopyable.hpp>
+#include <boost/thread/lock_types.hpp>
 #include <boost/thread/mutex.hpp>
 #include <boost/thread/once.hpp>
 
@@ -21,7 +23,9 @@ namespace fl {
 namespace i18n {
 
 /// What start-up has to say: its status and, when there is something to report, the failure.
-struct QVI18N_API LcStatusCtx {
+/// Both are published atomically: start-up writes them under the global lock, readers take no lock.
+class QVI18N_API LcStatusCtx {
+public:
     enum {
         initialized = 0, ///< initialised
         database_failure = 1, ///< the database failed to load; default settings are in force
@@ -34,33 +38,35 @@ struct QVI18N_API LcStatusCtx {
     LcStatusCtx(LcStatusCtx const&) = delete;
     LcStatusCtx& operator=(LcStatusCtx const&) = delete;
 
-    /// Takes ownership of `e` (may be null), destroying the one held before.
-    void setException(QvLcMgmtExceptionBase* e) { exception.reset(e); }
+    int getStatus() const { return status_.load(std::memory_order_acquire); }
+    void setStatus(int status) { status_.store(status, std::memory_order_release); }
+    /// The failure to report, or null.
+    QvLcMgmtExceptionBase const* getException() const { return exception_.load(std::memory_order_acquire); }
+    /// Takes ownership of `e` (may be null). The one held before stays alive: a reader may hold it.
+    void setException(QvLcMgmtExceptionBase* e);
 
-    int status;
-    std::unique_ptr<QvLcMgmtExceptionBase> exception;
+private:
+    std::atomic<int> status_;
+    std::atomic<QvLcMgmtExceptionBase const*> exception_;
+    std::vector<std::unique_ptr<QvLcMgmtExceptionBase>> owned_;
 };
 
 /// The one process-wide object of locale management: the database, the well-known locales, the start-up
 /// status and the name tables. Reached through get_qvlocale_context(); built on first use with the
 /// built-in state in force (global() is the classic locale, encoding "US-ASCII"), never destroyed.
 ///
-/// Filling the database: getLcData() gives the context's LcData for writing. Start-up fills it once under
-/// the global lock (getLcMutex()) by handing it to the database reader (parseLcData); a test may fill it
-/// directly, e.g.
-///     fl::i18n::get_qvlocale_context().getLcData().addLcName("de_AT", "ISO-8859-1", "de_AT.ISO8859-1");
-/// before it creates locales from other threads. Readers take no lock, so fill it before sharing.
-///
-/// Start-up (the global locale's life after initialize()) builds on the setters below: it replaces the
-/// system and current locales, moves the global pointer with setGlobalLocale(), and keeps its status in
-/// getLcStatus(). No object the global pointer ever referred to is freed.
+/// Threads: every reader here takes no lock. The four locale slots and the global pointer are published
+/// atomically and no object they ever pointed to is freed; the flags are atomic; the database is only
+/// written by start-up. What changes state needs the global lock (getLcMutex()) and says so below; start-up
+/// (initialize()) takes it itself.
 class QVI18N_API QvLocaleCtx : private boost::noncopyable {
 public:
     QvLocaleCtx();
     ~QvLocaleCtx();
 
     /// Sets up the built-in locales, points the global locale at the classic one, sets ICU's default
-    /// converter ("US-ASCII") and locale ("en_US_POSIX"), and fills the name tables.
+    /// locale ("en_US_POSIX"), and fills the name tables. Runs once, inside the singleton's once region.
+    /// ICU's default converter is left to start-up, which runs at a single-threaded moment.
     void initDefaultCtx();
     void initCatNameTbl();
     void initOptDataTypeTbl();
@@ -70,58 +76,80 @@ public:
     std::string getLcCatName(QvLocale::LcCategory category) const;
     QvLcOptDataCtx::LcOptDataType getOptDataType(std::string const& name) const;
 
-    /// The database, for filling (start-up, tests) and for reading.
-    LcData& getLcData() { return lcData; }
+    /// The database, read-only; no lock.
     LcData const& getLcData() const { return lcData; }
+    /// The database for filling. Only for start-up and for tests that fill it before other threads use
+    /// it: `lock` must hold the global lock (else std::logic_error).
+    LcData& getLcDataForUpdate(boost::unique_lock<boost::mutex> const& lock);
 
     LcStatusCtx& getLcStatus() { return lcStatus; }
     LcStatusCtx const& getLcStatus() const { return lcStatus; }
 
-    QvLocaleImpl const& getClassicLocale() const { return *classicLocale; }
-    QvLocaleImpl const& getSystemLocale() const { return *systemLocale; }
-    QvLocaleImpl const& getCurrentLocale() const { return *currentLocale; }
+    /// Atomic reads, no lock.
+    QvLocaleImpl const& getClassicLocale() const { return *classicLocale.load(std::memory_order_acquire); }
+    QvLocaleImpl const& getSystemLocale() const { return *systemLocale.load(std::memory_order_acquire); }
+    QvLocaleImpl const& getCurrentLocale() const { return *currentLocale.load(std::memory_order_acquire); }
     /// Null until localised resources are switched off for a non-English locale.
-    QvLocaleImpl const* getNonL10nLocale() const { return nonL10nLocale.get(); }
+    QvLocaleImpl const* getNonL10nLocale() const { return nonL10nLocale.load(std::memory_order_acquire); }
     /// The current global locale: one atomic read, no lock.
     QvLocaleImpl const& getGlobalLocale() const { return *globalLocale.load(std::memory_order_acquire); }
 
-    /// Start-up's seams, to be used under the global lock. A replaced locale is never freed (a reader may
-    /// still hold it). setGlobalLocale() only accepts one of the four owned locales (or returns false), so
-    /// every object the global pointer ever refers to stays alive.
+    /// Replace a slot (global lock). The replaced locale is never freed (a reader may still hold it).
     void setSystemLocale(std::unique_ptr<QvLocaleImpl> locale);
     void setCurrentLocale(std::unique_ptr<QvLocaleImpl> locale);
     void setNonL10nLocale(std::unique_ptr<QvLocaleImpl> locale);
+    /// Points the global locale at one of the four slots' locales (global lock); false for anything else,
+    /// so that every object the global pointer ever refers to stays alive.
     bool setGlobalLocale(QvLocaleImpl const* locale);
 
-    bool getInitialized() const { return initialized; }
-    void setInitialized() { initialized = true; }
-    bool getL10nEnabled() const { return l10nEnabled; }
-    void clearL10nEnabled() { l10nEnabled = false; }
-    bool getLocaleLocked() const { return localeLocked; }
-    void setLocaleLocked() { localeLocked = true; }
+    bool getInitialized() const { return initialized.load(std::memory_order_acquire); }
+    void setInitialized() { initialized.store(true, std::memory_order_release); }
+    bool getL10nEnabled() const { return l10nEnabled.load(std::memory_order_acquire); }
+    void clearL10nEnabled() const { l10nEnabled.store(false, std::memory_order_release); }
+    bool getLocaleLocked() const { return localeLocked.load(std::memory_order_acquire); }
+    void setLocaleLocked() const { localeLocked.store(true, std::memory_order_release); }
     std::mutex& getStdLocaleMutex() { return stdLocaleMutex; }
 
-private:
-    void replace(std::unique_ptr<QvLocaleImpl>& slot, std::unique_ptr<QvLocaleImpl> locale);
+    // Start-up. All of these need the global lock; initialize() and the public functions of start-up
+    // take it.
 
-    bool initialized;
+    /// Reads the database and decides the global locale, once per process.
+    void initLocaleMgmt();
+    /// Discovers the user's settings (or takes the built-in ones), publishes the system and global
+    /// locales, and rewrites the process's locale variables and C locale.
+    void initGlobalLocale(bool use_default);
+    /// Messages no longer localised (once; nothing happens when already off).
+    void disable_l10n_rsc() const;
+    /// Publishes a copy of the current locale with English messages as the global locale.
+    void create_non_l10n_rsc_locale_object() const;
+    /// Lets the global locale go to English messages, and locks it.
+    void change_current_locale(QvLocale const& locale) const;
+    void lock_current_locale() const;
+
+    /// What discovery found and decided; written by start-up under the global lock.
+    lcmgmt::osx::locale_context const& getLocaleContext() const { return localeContext; }
+
+private:
+    void publish(std::atomic<QvLocaleImpl const*>& slot, std::unique_ptr<QvLocaleImpl> locale) const;
+
+    std::atomic<bool> initialized;
     LcStatusCtx lcStatus;
     LcData lcData;
-    // Start-up adds the system-settings record (localeContext) here.
-    std::unique_ptr<QvLocaleImpl> classicLocale;
-    std::unique_ptr<QvLocaleImpl> systemLocale;
-    std::unique_ptr<QvLocaleImpl> currentLocale;
-    std::unique_ptr<QvLocaleImpl> nonL10nLocale;
-    std::atomic<QvLocaleImpl const*> globalLocale;
-    // Start-up adds its initialisation context (initContext) here.
-    bool l10nEnabled;
-    bool localeLocked;
+    lcmgmt::osx::locale_context localeContext;
+    std::atomic<QvLocaleImpl const*> classicLocale;
+    std::atomic<QvLocaleImpl const*> systemLocale;
+    std::atomic<QvLocaleImpl const*> currentLocale;
+    mutable std::atomic<QvLocaleImpl const*> nonL10nLocale;
+    mutable std::atomic<QvLocaleImpl const*> globalLocale;
+    std::unique_ptr<lcmgmt::locale_initialization_context> initContext;
+    mutable std::atomic<bool> l10nEnabled;
+    mutable std::atomic<bool> localeLocked;
     std::mutex stdLocaleMutex;
     std::map<std::string, QvLocale::LcCategory> lcCategoryTbl;
     std::map<QvLocale::LcCategory, std::string> lcCatNameTbl;
     std::map<std::string, QvLcOptDataCtx::LcOptDataType> optDataTypeTbl;
-    // Replaced locales, kept alive for readers that may still hold them.
-    std::vector<std::unique_ptr<QvLocaleImpl>> retired;
+    // Every locale a slot ever held, kept for the life of the process.
+    mutable std::vector<std::unique_ptr<QvLocaleImpl>> owned;
 };
 
 /// Holder of the context: made on the heap on first use under a once region (rolled back if an
@@ -160,12 +188,12 @@ template <typename T> boost::once_flag QvLcGenericSingleton<T>::flg_ = BOOST_ONC
 // One global lock for the whole process: the instantiation lives in the library only.
 extern template class QVI18N_API QvLcGenericSingleton<boost::mutex>;
 
-/// The global locale lock: start-up and changes of localisation state.
+/// The global locale lock: start-up and changes of localisation state. No lock.
 QVI18N_API boost::mutex& getLcMutex();
-/// The process's locale context, built with its built-in state on first use.
+/// The process's locale context, built with its built-in state on first use. No lock.
 QVI18N_API QvLocaleCtx& get_qvlocale_context();
 /// The database's name for encoding `name` (through ICU's canonical name and the database's aliases),
-/// or empty if ICU cannot open it or the database does not list it. Returns `out`.
+/// or empty if ICU cannot open it or the database does not list it. Returns `out`. No lock.
 QVI18N_API std::string& getEncoding(std::string& out, std::string const& name);
 
 namespace lcmgmt {
