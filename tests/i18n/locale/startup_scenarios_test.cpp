@@ -1,7 +1,7 @@
 // Whole start-ups from a user's settings with the shipped database: what the library decides, and what
 // the process's environment, C locale and application list look like afterwards. This machine has only
 // the C, C.UTF-8 and POSIX locales, so every other name is written as the C locale in its encoding.
-#include <qvi18n/i18n/locale/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
 #include "startup_support.hpp"
@@ -172,8 +172,7 @@ TEST_F(Startup, LocalisationForcedOnLocksTheGlobalLocale)
 TEST_F(Startup, ApplicationListRewrittenOnlyWhenItStartsWrong)
 {
     ::setenv("LANG", "de_DE.UTF-8", 1);
-    std::string const path = home_.write_file(
-        "config/qvi18n/test_i18n_locale/languages", std::string("\x01\x02garbage\xff\n") + std::string(80, 'x') + "\nfr\n");
+    std::string const path = write_list(std::string("\x01\x02garbage\xff\n") + std::string(80, 'x') + "\nfr\n");
     start();
     EXPECT_EQ("fr", get_qvlocale_context().getLocaleContext().app_language);
     EXPECT_EQ("de_DE\nen\n", qvtest::read_file(path));
@@ -183,7 +182,7 @@ TEST_F(Startup, ApplicationListRewrittenOnlyWhenItStartsWrong)
 TEST_F(Startup, ApplicationListThatIsRightIsNotTouched)
 {
     ::setenv("LANG", "de_DE.UTF-8", 1);
-    std::string const path = home_.write_file("config/qvi18n/test_i18n_locale/languages", "de_DE\nfr\n");
+    std::string const path = write_list("de_DE\nfr\n");
     start();
     EXPECT_EQ("de_DE\nfr\n", qvtest::read_file(path));
 }

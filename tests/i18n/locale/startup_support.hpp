@@ -16,6 +16,7 @@
 #include <langinfo.h>
 #include <map>
 #include <string>
+#include <unistd.h>
 
 namespace qvtest {
 
@@ -41,8 +42,18 @@ protected:
         ::setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
     }
 
-    std::string list_dir() const { return home_ / "config/qvi18n/test_i18n_locale"; }
+    std::string list_dir() const
+    {
+        char exe[4096];
+        ssize_t length = ::readlink("/proc/self/exe", exe, sizeof exe - 1);
+        std::string program(exe, length > 0 ? static_cast<std::size_t>(length) : 0);
+        return home_ / ("config/qvi18n/" + program.substr(program.rfind('/') + 1));
+    }
     std::string list_file() const { return list_dir() + "/languages"; }
+    std::string write_list(std::string const& content) const
+    {
+        return home_.write_file(list_file().substr(home_.path().size() + 1), content);
+    }
 
     // The locale variables as they are now; unset ones are missing.
     static std::map<std::string, std::string> locale_env()

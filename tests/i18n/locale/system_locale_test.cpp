@@ -164,11 +164,11 @@ TEST_F(SystemLocale, ApplicationListEndsInEnglishAndIsLeftAloneWhenRight)
 
 TEST_F(SystemLocale, ApplicationListFileIsReadLeniently)
 {
-    EXPECT_EQ(home_ / "config/qvi18n/test_i18n_locale/languages", lx::get_app_language_file());
+    EXPECT_EQ(list_file(), lx::get_app_language_file());
     EXPECT_TRUE(lx::read_app_languages().empty()); // absent
 
     std::string overlong(65, 'a');
-    home_.write_file("config/qvi18n/test_i18n_locale/languages",
+    write_list(
         "\n" + overlong + "\nd\xc3\xa9\nta\tb\n" + std::string(64, 'b') + "\nfr_FR\nen");
     EXPECT_EQ((std::vector<std::string> {std::string(64, 'b'), "fr_FR", "en"}), lx::read_app_languages());
 
