@@ -29,7 +29,10 @@ void use_global_locale(std::string const& name, std::string const& encoding)
 
 TEST(JvmContext, GlobalPairOnlyWhenItDiffersFromTheSystem)
 {
-    i18n::get_qvlocale_context().getLcData().addEncodingName("US-ASCII", "ASCII");
+    {
+        boost::unique_lock<boost::mutex> lock(i18n::getLcMutex());
+        i18n::get_qvlocale_context().getLcDataForUpdate(lock).addEncodingName("US-ASCII", "ASCII");
+    }
     // Built-in state: localised, and the system's messages locale is the global one.
     i18n::qvlc_java_context same = i18n::get_javavm_init_context();
     EXPECT_EQ(same.system_language, "en");
@@ -40,7 +43,10 @@ TEST(JvmContext, GlobalPairOnlyWhenItDiffersFromTheSystem)
     EXPECT_EQ(same.global_territory, "");
     EXPECT_EQ(same.jvm_encoding, "ASCII");
 
-    i18n::get_qvlocale_context().getLcData().addEncodingName("UTF-8", "UTF8");
+    {
+        boost::unique_lock<boost::mutex> lock(i18n::getLcMutex());
+        i18n::get_qvlocale_context().getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
+    }
     use_global_locale("de_AT", "UTF-8");
     i18n::qvlc_java_context differs = i18n::get_javavm_init_context();
     EXPECT_EQ(differs.system_language, "en");
