@@ -44,9 +44,12 @@ template <typename Tag> ustring ours(const ustring& text, const Tag& tag)
 
 boost::shared_ptr<QvLocale const> turkish()
 {
-    LcData& data = get_qvlocale_context().getLcData();
-    data.addLcName("tr_TR", "UTF-8", "tr_TR.UTF-8");
-    data.addEncodingName("UTF-8", "UTF8");
+    {
+        boost::unique_lock<boost::mutex> lock(getLcMutex());
+        LcData& data = get_qvlocale_context().getLcDataForUpdate(lock);
+        data.addLcName("tr_TR", "UTF-8", "tr_TR.UTF-8");
+        data.addEncodingName("UTF-8", "UTF8");
+    }
     return QvLocale::createLocale("tr_TR");
 }
 
