@@ -159,6 +159,14 @@ public:
     // already stay as they were found.
     static void set_additional_resource_locations(const std::vector<ustring>& roots);
 
+    // Takes back a root added by set_additional_resource_locations (every entry of it). Catalogs
+    // the root's English tree names are flushed first, unless the same directory also serves as a
+    // root given to MessageCatalogInit. InvalidPathSupplied for an empty root,
+    // MessageCatalogNotInitialized before any root, ResourcePathNotFound for a root that wasn't
+    // added, ResDirNotPresent when its "resources" directory is gone, ResPathRemovalUnknownError
+    // when walking it fails; the root then stays.
+    static void remove_additional_resource_location(const ustring& root);
+
     // The catalog for the locale's messages name, loaded on first request. Two locales that fall
     // back to one file share one object.
     static boost::shared_ptr<const MessageCatalog> GetMessageCatalog(
