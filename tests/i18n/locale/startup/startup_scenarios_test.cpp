@@ -3,8 +3,9 @@
 // the C, C.UTF-8 and POSIX locales, so every other name is written as the C locale in its encoding.
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/i18n/locale/startup/initialize.hpp>
 
-#include "startup_support.hpp"
+#include "tests/i18n/locale/startup_support.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,8 @@
 
 #include <map>
 #include <string>
+#include <thread>
+#include <vector>
 
 using namespace fl::i18n;
 using Env = std::map<std::string, std::string>;
@@ -20,14 +23,7 @@ namespace {
 
 class Startup : public qvtest::startup_process {
 protected:
-    void start()
-    {
-        boost::unique_lock<boost::mutex> lock(getLcMutex());
-        QvLocaleCtx& ctx = get_qvlocale_context();
-        parseLcData(ctx.getLcDataForUpdate(lock), fl::filesystem::native_path(QVI18N_TEST_LCDATA));
-        ctx.getLcStatus().setStatus(LcStatusCtx::initialized);
-        ctx.initGlobalLocale(false);
-    }
+    void start() { initialize(); }
 
     static std::string names(QvLocale const& locale)
     {
@@ -44,7 +40,7 @@ protected:
         return boost::get<std::string>(locale.getLcOptData(QvLcOptDataCtx::LcTermEncoding));
     }
 
-    static int status() { return get_qvlocale_context().getLcStatus().getStatus(); }
+    static int status() { return QvLcUtil::getLcStatus(); }
 };
 
 TEST_F(Startup, GermanUtf8)
@@ -109,7 +105,7 @@ TEST_F(Startup, LcAllOverridesLangAndIsUnsetAfterwards)
     start();
     EXPECT_EQ("de_DE de_DE de_DE en_US_POSIX de_DE de_DE UTF-8", names(QvLocale::global()));
     EXPECT_EQ((Env {{"LANG", "C.UTF-8"}, {"LC_NUMERIC", "C"}}), locale_env());
-    auto report = lcmgmt::extract_system_setting_from_locale_context(get_qvlocale_context().getLocaleContext());
+    auto report = lcmgmt::get_original_user_locale_setting();
     ASSERT_EQ(2u, report.env_vars.size());
     EXPECT_EQ("LC_ALL", report.env_vars[0].name);
     EXPECT_EQ("de_DE.UTF-8", report.env_vars[0].value);
@@ -133,8 +129,8 @@ TEST_F(Startup, UnknownLocaleWarnsAndRunsBuiltIn)
     ::setenv("LANG", "xx_YY.UTF-8", 1);
     start();
     EXPECT_EQ(3, status());
-    ASSERT_NE(nullptr, get_qvlocale_context().getLcStatus().getException());
-    EXPECT_STREQ("Invalid locale name.", get_qvlocale_context().getLcStatus().getException()->what());
+    EXPECT_EQ("Kestrelon locale management system initialized.", QvLcUtil::getInitStatusMsg());
+    EXPECT_EQ("Invalid locale name.", QvLcUtil::getInitWarningMsg());
     EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
         names(QvLocale::global()));
     EXPECT_EQ((Env {{"LANG", "C"}}), locale_env());
@@ -147,7 +143,7 @@ TEST_F(Startup, LocalisationSwitchedOffKeepsEnglishMessages)
     ::setenv("QVLOCALE_L10N_CONTROL", "OFF", 1);
     start();
     QvLocaleCtx const& ctx = get_qvlocale_context();
-    EXPECT_FALSE(ctx.getL10nEnabled());
+    EXPECT_FALSE(get_l10n_resource_status());
     EXPECT_FALSE(ctx.getLocaleLocked());
     EXPECT_EQ("de_DE de_DE de_DE de_DE de_DE de_DE UTF-8", names(QvLocale::system()));
     EXPECT_EQ("de_DE de_DE de_DE en_US_POSIX de_DE en_US UTF-8", names(QvLocale::global()));
@@ -165,7 +161,7 @@ TEST_F(Startup, LocalisationForcedOnLocksTheGlobalLocale)
     EXPECT_TRUE(ctx.getL10nEnabled());
     EXPECT_TRUE(ctx.getLocaleLocked());
     auto english = QvLocale::createLocale("en_US");
-    ctx.change_current_locale(*english);
+    change_global_locale(*english);
     EXPECT_EQ("ja_JP", QvLocale::global().shortName(QvLocale::LcMessages));
 }
 
@@ -185,6 +181,104 @@ TEST_F(Startup, ApplicationListThatIsRightIsNotTouched)
     std::string const path = write_list("de_DE\nfr\n");
     start();
     EXPECT_EQ("de_DE\nfr\n", qvtest::read_file(path));
+}
+
+TEST_F(Startup, BeforeStartTheBuiltInStateIsNotInitialised)
+{
+    EXPECT_EQ(2, status());
+    EXPECT_EQ("Kestrelon locale management system not initialized.", QvLcUtil::getInitStatusMsg());
+    EXPECT_EQ("", QvLcUtil::getInitWarningMsg());
+    EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
+        names(QvLocale::global()));
+}
+
+TEST_F(Startup, MissingDatabaseLeavesTheBuiltInLocaleAndTheFailure)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    ::setenv("QVLOCALE_LCDATA_PATH", home_.make_dir("empty").c_str(), 1);
+    start();
+    EXPECT_EQ(1, status());
+    EXPECT_EQ("Failed to load Kestrelon locale database. Using Kestrelon default locale setting instead.",
+        QvLcUtil::getInitStatusMsg());
+    EXPECT_EQ("Failed to open file " + (home_ / "empty/lcdata.xml") + ".", QvLcUtil::getInitWarningMsg());
+    EXPECT_NE(nullptr, dynamic_cast<LcRscOpenFileFailure const*>(QvLcUtil::getInitException()));
+    EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
+        names(QvLocale::global()));
+    EXPECT_EQ("UTF-8", terminal(QvLocale::system()));
+    EXPECT_EQ((Env {{"LANG", "C"}, {"QVLOCALE_LCDATA_PATH", home_ / "empty"}}), locale_env());
+    EXPECT_EQ("C", c_locale(LC_ALL));
+    EXPECT_EQ("de_DE", lcmgmt::get_original_user_locale_setting().user_locale);
+}
+
+TEST_F(Startup, MalformedDatabaseKeepsNothingOfWhatWasRead)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    ::setenv("QVLOCALE_LCDATA_PATH", home_.path().c_str(), 1);
+    ::setenv("QVLOCALE_LCDATA_FILENAME", "broken.xml", 1);
+    home_.write_file("broken.xml",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<lcdata>\n"
+        "<locale name=\"de_DE\" encoding=\"UTF-8\" xpg_name=\"de_DE.UTF-8\"></locale>\n<locale name=");
+    start();
+    EXPECT_EQ(1, status());
+    EXPECT_NE(nullptr, dynamic_cast<LcRscInvalidXmlDoc const*>(QvLcUtil::getInitException()));
+    EXPECT_THROW(QvLocale::createLocale("de_DE"), QvLcInvLcName);
+    EXPECT_EQ("US-ASCII", QvLocale::global().encoding());
+    EXPECT_EQ("C", std::string(std::getenv("LANG")));
+}
+
+TEST_F(Startup, DatabasePathThatCannotBeFormedIsReported)
+{
+    ::setenv("QVLOCALE_LCDATA_FILENAME", "/etc/lcdata.xml", 1);
+    start();
+    EXPECT_EQ(2, status());
+    EXPECT_NE(nullptr, dynamic_cast<LcRscInavlidPathName const*>(QvLcUtil::getInitException()));
+    EXPECT_EQ("C", std::string(std::getenv("LANG")));
+}
+
+TEST_F(Startup, ConcurrentAndRepeatedCallsDoTheWorkOnce)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([] { initialize(); });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0, status());
+    QvLocale const* first = &QvLocale::global();
+    // A second start-up would decide from the rewritten environment.
+    initialize();
+    initLcMgmtSystem();
+    EXPECT_EQ(first, &QvLocale::global());
+    EXPECT_EQ("de_DE", QvLocale::global().shortName(QvLocale::LcMessages));
+    EXPECT_EQ("de_DE", QvLocale::createLocale("de_DE.UTF-8")->shortName(QvLocale::LcCtype));
+}
+
+TEST_F(Startup, ChangeToEnglishThenLocked)
+{
+    ::setenv("LANG", "ja_JP.UTF-8", 1);
+    start();
+    change_global_locale(*QvLocale::createLocale("en_US"));
+    EXPECT_EQ("ja_JP ja_JP ja_JP en_US_POSIX ja_JP en_US UTF-8", names(QvLocale::global()));
+    EXPECT_FALSE(get_l10n_resource_status());
+    EXPECT_TRUE(get_qvlocale_context().getLocaleLocked());
+    EXPECT_EQ("C", std::string(std::getenv("LC_MESSAGES")));
+    disable_l10n_resource(); // already off: nothing more happens
+    EXPECT_EQ("ja_JP ja_JP ja_JP en_US_POSIX ja_JP en_US UTF-8", names(QvLocale::global()));
+}
+
+TEST_F(Startup, ChangeToAnotherLanguageOnlyLocks)
+{
+    ::setenv("LANG", "ja_JP.UTF-8", 1);
+    start();
+    change_global_locale(*QvLocale::createLocale("de_DE"));
+    change_global_locale(*QvLocale::createLocale("en_US"));
+    EXPECT_EQ("ja_JP", QvLocale::global().shortName(QvLocale::LcMessages));
+    EXPECT_TRUE(get_l10n_resource_status());
+    disable_l10n_resource(); // works on a locked locale
+    EXPECT_EQ("en_US", QvLocale::global().shortName(QvLocale::LcMessages));
+    EXPECT_TRUE(lcmgmt::is_std_locale_valid());
 }
 
 } // namespace
