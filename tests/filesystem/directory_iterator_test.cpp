@@ -223,12 +223,12 @@ TEST(DirectoryIterator, ADirectoryRemovedWhileListedIsPathNotFound)
     for (int i = 0; i < 2000; ++i)
         touch(doomed + "/" + std::string(60, 'n') + std::to_string(i));
     upath_directory_iterator it(u(doomed));
-    for (DIR* const handle = ::opendir(doomed.c_str()); handle; ::closedir(handle), void()) {
-        while (struct dirent const* entry = ::readdir(handle))
-            if (entry->d_name[0] == 'n')
-                ::unlink((doomed + "/" + entry->d_name).c_str());
-        break;
-    }
+    DIR* const handle = ::opendir(doomed.c_str());
+    ASSERT_NE(nullptr, handle);
+    while (struct dirent const* entry = ::readdir(handle))
+        if (entry->d_name[0] == 'n')
+            ::unlink((doomed + "/" + entry->d_name).c_str());
+    ::closedir(handle);
     ASSERT_EQ(0, ::rmdir(doomed.c_str()));
     EXPECT_THROW(
         {
