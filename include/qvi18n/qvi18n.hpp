@@ -49,5 +49,6 @@
 #include <qvi18n/i18n/catalog/expat_loader.hpp>
 
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/i18n/catalog/message_id_completions.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #endif

@@ -19,6 +19,7 @@
 
 using catalog_test::catalog_xml;
 using catalog_test::message_text;
+using catalog_test::root_texts;
 using catalog_test::test_locale;
 using catalog_test::write_catalog;
 using fl::i18n::CatalogID;
@@ -33,15 +34,6 @@ namespace {
 ustring u(const std::string& s)
 {
     return catalog_test::u(s);
-}
-
-std::vector<std::string> root_texts()
-{
-    std::vector<std::string> out;
-    for (const auto& p : MessageCatalogImpl::getTopLevelResourceLocations()) {
-        out.push_back(catalog_test::utf8(p.get_path_name()));
-    }
-    return out;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 // needed), and writers of catalog trees.
 
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
@@ -120,6 +121,16 @@ inline std::string message_text(
     const std::string& catalog, const std::string& key, const fl::i18n::QvLocale& locale)
 {
     return utf8(fl::i18n::MessageCatalog::get_message(fl::i18n::MessageID(catalog + ":" + key), locale));
+}
+
+// The texts of the roots in force, in order.
+inline std::vector<std::string> root_texts()
+{
+    std::vector<std::string> out;
+    for (const auto& p : fl::i18n::MessageCatalogImpl::getTopLevelResourceLocations()) {
+        out.push_back(utf8(p.get_path_name()));
+    }
+    return out;
 }
 
 } // namespace catalog_test

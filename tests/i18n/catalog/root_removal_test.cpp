@@ -14,6 +14,7 @@
 #include <vector>
 
 using catalog_test::catalog_xml;
+using catalog_test::root_texts;
 using catalog_test::test_locale;
 using catalog_test::u;
 using catalog_test::write_catalog;
@@ -23,15 +24,6 @@ using fl::i18n::MessageCatalogImpl;
 using fl::i18n::ustring;
 
 namespace {
-
-std::vector<std::string> root_texts()
-{
-    std::vector<std::string> out;
-    for (const auto& p : MessageCatalogImpl::getTopLevelResourceLocations()) {
-        out.push_back(catalog_test::utf8(p.get_path_name()));
-    }
-    return out;
-}
 
 boost::shared_ptr<const MessageCatalog> open(const std::string& catalog, const std::string& locale)
 {

@@ -1,0 +1,118 @@
+#include <qvi18n/i18n/catalog/catalog_map.hpp>
+
+#include <qvi18n/filesystem/path.hpp>
+
+#include <cstring>
+#include <utility>
+
+namespace fl {
+namespace i18n {
+
+namespace detail {
+
+namespace {
+
+ustring make_map_base()
+{
+    ustring base(fl::filesystem::upath_constant::PARENT_DIRECTORY);
+    for (const char16_t* part : {u"derived", u"share", u"resources"}) {
+        base += u'/';
+        base += part;
+    }
+    base += u'/';
+    return base;
+}
+
+// Built when the library loads, like every constant text of the library.
+const ustring map_base = make_map_base();
+const ustring map_file_name = u"catalog_map.xml";
+
+} // namespace
+
+const ustring& catalog_map_base()
+{
+    return map_base;
+}
+
+const ustring& catalog_map_file_name()
+{
+    return map_file_name;
+}
+
+} // namespace detail
+
+MetaInfoExpatEventHandler::MetaInfoExpatEventHandler(
+    const ustring& prefix, boost::shared_ptr<boost::unordered_set<ustring>> found)
+    : ExpatEventHandler("UTF-8")
+    , catalog_prefix(prefix)
+    , results(std::move(found))
+    , tag_stack(1, document)
+{ }
+
+MetaInfoExpatEventHandler::~MetaInfoExpatEventHandler() = default;
+
+bool MetaInfoExpatEventHandler::doElementStart(const char* name, const char** attributes)
+{
+    if (std::strcmp(name, "MessageCatalogMap") == 0) {
+        return process_root(attributes);
+    }
+    if (std::strcmp(name, "entry") == 0) {
+        return process_entry_tag(attributes);
+    }
+    return false;
+}
+
+bool MetaInfoExpatEventHandler::process_root(const char**)
+{
+    if (tag_stack.back() != document) {
+        return false;
+    }
+    tag_stack.push_back(root_element);
+    return true;
+}
+
+bool MetaInfoExpatEventHandler::process_entry_tag(const char** attributes)
+{
+    if (tag_stack.back() != root_element) {
+        return false;
+    }
+    tag_stack.push_back(entry_element);
+    ustring wanted(catalog_prefix);
+    wanted += u':';
+    // The walk steps over the value of "key" only; the value of any other attribute is looked at
+    // as a name in its turn, as the catalog reader does.
+    for (const char** word = attributes; *word; ++word) {
+        if (std::strcmp(*word, "key") != 0) {
+            continue;
+        }
+        const char* value = *++word;
+        if (!value) {
+            return false;
+        }
+        const ustring key = ascii_converter.convert(value, std::strlen(value));
+        if (key.size() > wanted.size() && key.compare(0, wanted.size(), wanted) == 0) {
+            const ustring::size_type end = key.find(u':', wanted.size());
+            // An empty segment ("a::b") can't complete to anything that parses.
+            if (end != wanted.size()) {
+                results->insert(key.substr(wanted.size(), end == ustring::npos ? ustring::npos : end - wanted.size()));
+            }
+        }
+    }
+    return true;
+}
+
+bool MetaInfoExpatEventHandler::doElementData(const char*, int, bool)
+{
+    return true;
+}
+
+bool MetaInfoExpatEventHandler::doElementEnd(const char*)
+{
+    if (tag_stack.size() > 1) {
+        tag_stack.pop_back();
+    }
+    return true;
+}
+
+} // namespace i18n
+} // namespace fl
