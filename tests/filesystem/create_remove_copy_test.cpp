@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,14 @@ TEST_F(Modify, CreateDirectory)
     fs::create_directory(u(dir / std::string(255, 'n')));
     EXPECT_TRUE(on_disk(dir / std::string(255, 'n')));
     EXPECT_THROW(fs::create_directory(u(dir / std::string(256, 'n'))), fs::FileNameTooLarge);
+    // Past PATH_MAX in all, though each element is short.
+    std::string too_long = dir.path();
+    while (too_long.size() <= PATH_MAX)
+        too_long += "/" + std::string(200, 'p');
+    EXPECT_THROW(fs::create_directory(u(too_long)), fs::FileNameTooLarge);
+    EXPECT_THROW(fs::create_directories(u(too_long)), fs::FileNameTooLarge);
+    EXPECT_THROW(fs::copy_file(u(dir.write_file("f", "x")), u(too_long)), fs::FileNameTooLarge);
+    EXPECT_THROW(fs::remove(u(too_long)), fs::FileNameTooLarge);
 }
 
 TEST_F(Modify, CreateDirectoriesMakesParentsButTheLastMustBeNew)
