@@ -2,6 +2,9 @@
 #include <qvi18n/i18n/conversion/converter.hpp>
 #include <qvi18n/i18n/ctype/facet.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
+#include <qvi18n/i18n/locale/startup/initialize.hpp>
+
+#include "tests/i18n/locale/startup_support.hpp"
 
 #include <gtest/gtest.h>
 
@@ -58,6 +61,27 @@ TEST(StdLocaleFacets, StreamWritesNumbersBooleansAndText)
     EXPECT_FALSE(out.fail());
     EXPECT_EQ(out.str(), u"1234567|-42|1234567.5|1.25e-04|0XBEEF|10|true false|"
                          u"\u65E5\u672C \U0001F600|caf\u00E9|char");
+}
+
+// Start-up builds the global standard locale from the global locale it decides: its encoding for
+// widening, and still the classic punctuation.
+class StdLocaleStartup : public qvtest::startup_process { };
+
+TEST_F(StdLocaleStartup, InitializeBuildsTheGlobalStandardLocale)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    initialize();
+    const std::locale& global = facet::get_global_std_locale();
+    ASSERT_TRUE(std::has_facet<std::num_put<char16_t>>(global));
+    const auto* ct = dynamic_cast<const facet::ctype_facet<char16_t>*>(&std::use_facet<uctype>(global));
+    ASSERT_NE(ct, nullptr);
+    EXPECT_EQ(ct->get_encoding(), QvLocale::global().encoding());
+    EXPECT_EQ(ct->get_encoding(), "UTF-8");
+    ustring_ostream out;
+    out.imbue(global);
+    out << std::fixed << std::setprecision(1) << 1234567.5 << u' ' << std::boolalpha << true << u' '
+        << "narrow " << ustring(u"gr\u00FC\u00DF");
+    EXPECT_EQ(out.str(), u"1234567.5 true narrow gr\u00FC\u00DF");
 }
 
 TEST(StdLocaleFacets, StreamPadsWithItsFillCharacter)
