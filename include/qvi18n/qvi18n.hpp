@@ -50,5 +50,6 @@
 
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_id_completions.hpp>
+#include <qvi18n/i18n/catalog/catalog_map_writer.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #endif

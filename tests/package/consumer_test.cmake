@@ -13,7 +13,7 @@ endfunction()
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 foreach(f bin/${PLATFORM_TAG}/libqvi18n.so include/qvi18n/qvi18n.hpp
           lib/cmake/qvi18n/qvi18nConfig.cmake lib/cmake/qvi18n/qvi18nConfigVersion.cmake
-          lib/pkgconfig/qvi18n.pc)
+          lib/pkgconfig/qvi18n.pc derived/share/resources/fl/catalog_map.xml)
   if(NOT EXISTS ${prefix}/${f})
     message(FATAL_ERROR "missing from the installed tree: ${f}")
   endif()

@@ -3,7 +3,9 @@
 
 #include "cache_test_support.hpp"
 
+#include <qvi18n/i18n/catalog/catalog_map_writer.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/i18n/catalog/message_id_completions.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 
@@ -227,4 +229,19 @@ TEST_F(ShippedCatalogs, RegionalLocalesReadTheirLanguagesFiles)
         "fl:filesystem", "SystemError", resource_core::HoleValues {fl::i18n::ustring(u"/tmp/x"), 13LL});
     EXPECT_USTR(MessageCatalog::get_message(system_error, test_locale("en_US")),
         u"A system error occurred on /tmp/x (error number 13).");
+}
+
+TEST_F(ShippedCatalogs, GeneratedMapsAreCurrentAndComplete)
+{
+    const fl::filesystem::upath resources(catalog_test::u(std::string(QVI18N_TEST_BUILD_ROOT) + "/resources"));
+    const std::string map = std::string(QVI18N_TEST_BUILD_ROOT) + "/derived/share/resources/fl/catalog_map.xml";
+    EXPECT_EQ(qvtest::read_file(map),
+        fl::i18n::make_catalog_map(fl::i18n::list_component_catalogs(resources, "fl")));
+
+    std::vector<std::string> got;
+    for (const ustring& c : fl::i18n::getMessageIdCompletions(u"fl:").completions) {
+        got.push_back(catalog_test::utf8(c));
+    }
+    std::sort(got.begin(), got.end());
+    EXPECT_EQ(got, (std::vector<std::string> {"filesystem:", "i18n:"}));
 }
