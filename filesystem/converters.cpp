@@ -3,6 +3,8 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
 
+#include "i18n/conversion/utf8_fast_path.hpp"
+
 #include <unicode/ustring.h>
 
 namespace fl {
@@ -28,6 +30,47 @@ inline unsigned long checked_result(int value)
     return static_cast<unsigned long>(value);
 }
 
+// Well-formed names skip ICU: they convert the same whatever the substitution or call-backs.
+// What ICU's whole-buffer functions write into a buffer too small is ICU's to say, so such a
+// call is left to it, as is everything ill-formed. `d` null with a capacity is ICU's error.
+inline bool fast_to_utf8(
+    char* d, unsigned long cap, const char16_t* s, unsigned long n, unsigned long& needed)
+{
+    std::size_t size = 0;
+    if ((d == nullptr && cap != 0) || !fl::i18n::detail::utf16_to_utf8_buffer(s, n, d, cap, true, size)
+        || size > max_icu_length)
+        return false;
+    needed = size;
+    return true;
+}
+
+inline bool fast_from_utf8(
+    char16_t* d, unsigned long cap, const char* s, unsigned long n, unsigned long& needed)
+{
+    std::size_t size = 0;
+    if ((d == nullptr && cap != 0) || !fl::i18n::detail::utf8_to_utf16_buffer(s, n, d, cap, true, size)
+        || size > max_icu_length)
+        return false;
+    needed = size;
+    return true;
+}
+
+inline bool is_utf8(UConverter* c)
+{
+    return ucnv_getType(c) == UCNV_UTF8;
+}
+
+// A whole name in a string of exactly its size, or false to take the ICU way.
+inline bool fast_to_utf8_string(const char16_t* s, unsigned long n, std::string& result)
+{
+    return n <= max_icu_length && fl::i18n::detail::utf16_to_utf8_string(s, n, result, max_icu_length);
+}
+
+inline bool fast_from_utf8_string(const char* s, unsigned long n, fl::i18n::ustring& result)
+{
+    return n <= max_icu_length && fl::i18n::detail::utf8_to_utf16_string(s, n, result, max_icu_length);
+}
+
 } // namespace
 
 template <class T> void map_codecvt_exception(UErrorCode e, unsigned long n)
@@ -49,6 +92,9 @@ unsigned long conversion_to_utf8(char* d, unsigned long cap, const char16_t* s, 
 {
     const int icu_cap = checked_length(cap);
     const int icu_n = checked_length(n);
+    unsigned long needed = 0;
+    if (fast_to_utf8(d, cap, s, n, needed))
+        return needed;
     UErrorCode status = U_ZERO_ERROR;
     int32_t length = 0;
     u_strToUTF8WithSub(d, icu_cap, &length, s, icu_n, 0x1A, nullptr, &status);
@@ -60,6 +106,9 @@ unsigned long conversion_from_utf8(char16_t* d, unsigned long cap, const char* s
 {
     const int icu_cap = checked_length(cap);
     const int icu_n = checked_length(n);
+    unsigned long needed = 0;
+    if (fast_from_utf8(d, cap, s, n, needed))
+        return needed;
     UErrorCode status = U_ZERO_ERROR;
     int32_t length = 0;
     u_strFromUTF8WithSub(d, icu_cap, &length, s, icu_n, 0xFFFD, nullptr, &status);
@@ -72,6 +121,9 @@ unsigned long conversion_from_uchar(
 {
     const int icu_cap = checked_length(cap);
     const int icu_n = checked_length(n);
+    unsigned long needed = 0;
+    if (is_utf8(c) && fast_to_utf8(d, cap, s, n, needed))
+        return needed;
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length = ucnv_fromUChars(c, d, icu_cap, s, icu_n, &status);
     map_codecvt_exception<char16_t>(status, n);
@@ -83,6 +135,9 @@ unsigned long conversion_to_utf16(
 {
     const int icu_cap = checked_length(cap);
     const int icu_n = checked_length(n);
+    unsigned long needed = 0;
+    if (is_utf8(c) && fast_from_utf8(d, cap, s, n, needed))
+        return needed;
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length = ucnv_toUChars(c, d, icu_cap, s, icu_n, &status);
     map_codecvt_exception<char>(status, n);
@@ -93,6 +148,9 @@ std::string to_filesystem(const fl::i18n::ustring& p)
 {
     if (p.empty())
         return std::string();
+    std::string converted;
+    if (fast_to_utf8_string(p.data(), p.size(), converted))
+        return converted;
     return fl::i18n::lcctype::convert_to_string_utf<char, char16_t>(p.data(), p.size(), &conversion_to_utf8);
 }
 
@@ -100,6 +158,9 @@ fl::i18n::ustring from_filesystem(const std::string& p)
 {
     if (p.empty())
         return fl::i18n::ustring();
+    fl::i18n::ustring converted;
+    if (fast_from_utf8_string(p.data(), p.size(), converted))
+        return converted;
     return fl::i18n::lcctype::convert_to_string_utf<char16_t, char>(
         p.data(), p.size(), &conversion_from_utf8);
 }
@@ -180,8 +241,12 @@ inline UConverter* converter_of(const std::unique_ptr<fl::i18n::CvtCtx>& context
     }                                                                                                        \
     std::string Name::do_convert(const char16_t* source, unsigned long length) const                         \
     {                                                                                                        \
+        UConverter* const converter = converter_of(context_);                                                \
+        std::string converted;                                                                               \
+        if (detail::is_utf8(converter) && detail::fast_to_utf8_string(source, length, converted))            \
+            return converted;                                                                                \
         return fl::i18n::lcctype::convert_to_string_generic<char, char16_t>(                                 \
-            converter_of(context_), source, length, &detail::conversion_from_uchar);                         \
+            converter, source, length, &detail::conversion_from_uchar);                                      \
     }                                                                                                        \
     unsigned long Name::do_convert(char* destination, unsigned long destination_size,                        \
         const char16_t* source, unsigned long length) const                                                  \
@@ -201,8 +266,12 @@ inline UConverter* converter_of(const std::unique_ptr<fl::i18n::CvtCtx>& context
     }                                                                                                        \
     fl::i18n::ustring Name::do_convert(const char* source, unsigned long length) const                       \
     {                                                                                                        \
+        UConverter* const converter = converter_of(context_);                                                \
+        fl::i18n::ustring converted;                                                                         \
+        if (detail::is_utf8(converter) && detail::fast_from_utf8_string(source, length, converted))          \
+            return converted;                                                                                \
         return fl::i18n::lcctype::convert_to_string_generic<char16_t, char>(                                 \
-            converter_of(context_), source, length, &detail::conversion_to_utf16);                           \
+            converter, source, length, &detail::conversion_to_utf16);                                        \
     }                                                                                                        \
     unsigned long Name::do_convert(char16_t* destination, unsigned long destination_size,                    \
         const char* source, unsigned long length) const                                                      \

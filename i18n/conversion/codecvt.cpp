@@ -3,6 +3,7 @@
 
 #include "i18n/conversion/block_loop.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
+#include "i18n/conversion/utf8_fast_path.hpp"
 
 namespace fl {
 namespace i18n {
@@ -20,6 +21,12 @@ UConverter* converter_of(const std::unique_ptr<CvtCtx>& ctx)
     if (!ctx || !ctx->get_converter())
         detail::throw_cvt<CvtConversionFailure>();
     return ctx->get_converter();
+}
+
+// Well-formed text to or from UTF-8 needs no ICU call; call-backs only ever act on the rest.
+bool is_utf8(UConverter* converter)
+{
+    return ucnv_getType(converter) == UCNV_UTF8;
 }
 
 } // namespace
@@ -62,19 +69,30 @@ unsigned long codecvt_ustring_to_string::do_get_destination_size(
     const char16_t* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
+    std::size_t needed = 0;
+    if (is_utf8(converter) && detail::utf16_to_utf8_length(source, length, needed))
+        return needed;
     return detail::run_block_loop<char, char16_t>(
         converter, nullptr, 0, source, length, detail::direct_step<char, char16_t>());
 }
 
 std::string codecvt_ustring_to_string::do_convert(const char16_t* source, unsigned long length) const
 {
-    return detail::convert_whole_from_utf16(converter_of(ctx), source, length);
+    UConverter* converter = converter_of(ctx);
+    std::string converted;
+    if (is_utf8(converter) && detail::utf16_to_utf8_string(source, length, converted))
+        return converted;
+    return detail::convert_whole_from_utf16(converter, source, length);
 }
 
 unsigned long codecvt_ustring_to_string::do_convert(
     char* destination, unsigned long destination_size, const char16_t* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
+    std::size_t needed = 0;
+    if (is_utf8(converter)
+        && detail::utf16_to_utf8_buffer(source, length, destination, destination_size, false, needed))
+        return needed;
     return detail::run_block_loop<char, char16_t>(converter, destination, destination_size, source, length,
         detail::primitive_step<char, char16_t> {&lcctype::stream_conversion_from_utf16});
 }
@@ -116,19 +134,30 @@ unsigned long codecvt_string_to_ustring::do_get_destination_size(
     const char* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
+    std::size_t needed = 0;
+    if (is_utf8(converter) && detail::utf8_to_utf16_length(source, length, needed))
+        return needed;
     return detail::run_block_loop<char16_t, char>(
         converter, nullptr, 0, source, length, detail::direct_step<char16_t, char>());
 }
 
 ustring codecvt_string_to_ustring::do_convert(const char* source, unsigned long length) const
 {
-    return detail::convert_whole_to_utf16(converter_of(ctx), source, length);
+    UConverter* converter = converter_of(ctx);
+    ustring converted;
+    if (is_utf8(converter) && detail::utf8_to_utf16_string(source, length, converted))
+        return converted;
+    return detail::convert_whole_to_utf16(converter, source, length);
 }
 
 unsigned long codecvt_string_to_ustring::do_convert(
     char16_t* destination, unsigned long destination_size, const char* source, unsigned long length) const
 {
     UConverter* converter = converter_of(ctx);
+    std::size_t needed = 0;
+    if (is_utf8(converter)
+        && detail::utf8_to_utf16_buffer(source, length, destination, destination_size, false, needed))
+        return needed;
     return detail::run_block_loop<char16_t, char>(converter, destination, destination_size, source, length,
         detail::primitive_step<char16_t, char> {&lcctype::stream_conversion_to_utf16});
 }

@@ -4,6 +4,7 @@
 
 #include "i18n/conversion/block_loop.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
+#include "i18n/conversion/utf8_fast_path.hpp"
 
 #include <boost/thread/once.hpp>
 #include <boost/thread/tss.hpp>
@@ -21,6 +22,9 @@ namespace {
 // while static objects are torn down. The pointer is published atomically beside the once flag:
 // later readers take the acquire load and never enter the once machinery.
 std::atomic<code_converter_context*> master_holder {nullptr};
+// Whether the master converts UTF-8, which lets well-formed text skip ICU and the clone. Written
+// before the master is published, so whoever has seen the master sees it.
+bool master_is_utf8 = false;
 boost::once_flag master_once = BOOST_ONCE_INIT;
 
 void open_master()
@@ -31,6 +35,7 @@ void open_master()
     holder->converter.reset(ucnv_open(encoding.c_str(), &status));
     if (status > U_ZERO_ERROR)
         holder->converter.reset();
+    master_is_utf8 = holder->converter && ucnv_getType(holder->converter.get()) == UCNV_UTF8;
     master_holder.store(holder.release(), std::memory_order_release);
 }
 
@@ -93,10 +98,23 @@ UConverter* get_cached_codecvt()
 
 } // namespace lcctype
 
+namespace {
+
+bool default_is_utf8()
+{
+    lcctype::get_global_codecvt();
+    return lcctype::master_is_utf8;
+}
+
+} // namespace
+
 std::string to_string(const ustring& source)
 {
     if (source.empty())
         return std::string();
+    std::string converted;
+    if (default_is_utf8() && detail::utf16_to_utf8_string(source.data(), source.size(), converted))
+        return converted;
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
     return detail::convert_whole_from_utf16(converter.get(), source.data(), source.size());
 }
@@ -105,6 +123,9 @@ ustring to_ustring(const std::string& source)
 {
     if (source.empty())
         return ustring();
+    ustring converted;
+    if (default_is_utf8() && detail::utf8_to_utf16_string(source.data(), source.size(), converted))
+        return converted;
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
     return detail::convert_whole_to_utf16(converter.get(), source.data(), source.size());
 }
@@ -113,9 +134,13 @@ ustring to_ustring(const char* source)
 {
     if (!source)
         return ustring();
+    const std::size_t length = std::strlen(source);
+    ustring converted;
+    if (default_is_utf8() && detail::utf8_to_utf16_string(source, length, converted))
+        return converted;
     // An empty text still takes a clone, as every non-null pointer does.
     const std::unique_ptr<UConverter, lcctype::converter_close> converter = lcctype::clone_codecvt();
-    return detail::convert_whole_to_utf16(converter.get(), source, std::strlen(source));
+    return detail::convert_whole_to_utf16(converter.get(), source, length);
 }
 
 std::string to_string(const ustring& source, const converter<char, char16_t>& cvt)

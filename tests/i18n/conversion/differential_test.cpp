@@ -2,7 +2,11 @@
 // whose lengths sit on the engine's buffer boundaries. The only difference allowed is the
 // incomplete character at the end, which the engine drops and a flushing ICU call substitutes.
 #include <qvi18n/i18n/conversion/codecvt.hpp>
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/i18n/conversion/cvtctx.hpp>
+#include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
 #include <qvtest/text.hpp>
 
@@ -10,8 +14,10 @@
 
 #include <unicode/ucnv.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 using fl::i18n::codecvt_string_to_ustring;
 using fl::i18n::codecvt_ustring_to_string;
@@ -147,4 +153,183 @@ TEST(DifferentialAgainstIcu, DefaultPathMatchesIcuOnTheBuiltInEncoding)
             fl::i18n::to_string(text) == icu_from_unicode("US-ASCII", text.data(), length - (tail ? 1 : 0)))
             << length;
     }
+}
+
+// ---- The UTF-8 fast path against the ICU path it stands in for.
+//
+// Well-formed UTF-8 skips ICU; anything else must reach ICU whole. Each converter that can be on
+// UTF-8 is compared, in each of its modes, with the ICU path it used before: the same engine and
+// primitives on an ICU converter set up alike. Outputs, sizes, buffer contents and exceptions
+// must be identical.
+
+namespace {
+
+using fl::i18n::codecvt_call_back_mode;
+using fl::i18n::CvtCtx;
+using fl::i18n::lcctype::convert_to_string_large_buffer;
+
+std::vector<std::size_t> fast_path_lengths()
+{
+    std::vector<std::size_t> lengths;
+    for (std::size_t n = 0; n <= 64; ++n)
+        lengths.push_back(n);
+    for (std::size_t n : {1023u, 1024u, 1025u, 32767u, 32768u, 32769u, 100000u})
+        lengths.push_back(n);
+    return lengths;
+}
+
+// What a call gave: its output, or the exception it threw.
+template <typename String> struct outcome {
+    String text;
+    std::string failure;
+    bool operator==(const outcome& other) const { return text == other.text && failure == other.failure; }
+};
+
+template <typename Call> auto run(Call call) -> outcome<decltype(call())>
+{
+    outcome<decltype(call())> result;
+    try {
+        result.text = call();
+    } catch (const fl::i18n::CvtExceptionBase& e) {
+        result.failure = std::to_string(e.get_code()) + " " + e.what();
+    }
+    return result;
+}
+
+// Well-formed texts, and the same with one, two or many faults.
+template <typename String, typename Make>
+void for_each_text(std::uint32_t seed, Make make, const std::function<void(const String&)>& check)
+{
+    for (std::size_t length : fast_path_lengths()) {
+        for (std::size_t faults : {0u, 0u, 1u, 1u, 1u, 2u, 3u, 40u}) {
+            if (faults > 3 && length < 1000)
+                continue;
+            qvtest::random_text random(static_cast<std::uint32_t>(seed++ * 7919 + length));
+            String text = make(random, length);
+            random.inject_faults(text, faults);
+            check(text);
+        }
+    }
+}
+
+std::string text_of(const std::string& bytes)
+{
+    return qvtest::hex_dump(bytes, 24);
+}
+std::string text_of(const ustring& units)
+{
+    return qvtest::hex_dump(units, 24);
+}
+
+// A converter's three operations against the reference conversion of the whole text: the sizes
+// agree, and a buffer receives the head of the reference result and the full size back.
+template <typename Cvt, typename String, typename Reference>
+void compare_operations(const Cvt& cvt, const String& text, Reference reference, const std::string& mode)
+{
+    typedef typename Cvt::to_char_type To;
+    const auto theirs = run(reference);
+    const auto ours = run([&] { return cvt.convert(text.data(), text.size()); });
+    ASSERT_TRUE(ours == theirs) << mode << " on " << text_of(text) << ": ours " << ours.failure << " "
+                                << text_of(ours.text) << ", ICU " << theirs.failure << " "
+                                << text_of(theirs.text);
+    const auto size = run(
+        [&] { return std::basic_string<To>(cvt.get_destination_size(text.data(), text.size()), To('*')); });
+    ASSERT_EQ(size.failure, theirs.failure) << mode;
+    if (!theirs.failure.empty())
+        return;
+    ASSERT_EQ(size.text.size(), theirs.text.size()) << mode;
+    const std::size_t total = theirs.text.size();
+    for (std::size_t room : {total, total + 1, total / 2, std::size_t(1)}) {
+        std::basic_string<To> buffer(room + 1, To('#'));
+        const unsigned long needed = cvt.convert(&buffer[0], room, text.data(), text.size());
+        ASSERT_EQ(needed, total) << mode << " room " << room;
+        const std::size_t written = room < total ? room : total;
+        ASSERT_TRUE(buffer.compare(0, written, theirs.text, 0, written) == 0) << mode << " room " << room;
+        ASSERT_TRUE(buffer.find_first_not_of(To('#'), written) == std::basic_string<To>::npos)
+            << mode << " room " << room << ": written beyond the result";
+    }
+}
+
+const codecvt_call_back_mode from_unicode_modes[] = {fl::i18n::call_back_default,
+    fl::i18n::call_back_invalid_check, fl::i18n::call_back_substitution, fl::i18n::call_back_escape_icu,
+    fl::i18n::call_back_escape_java, fl::i18n::call_back_escape_c, fl::i18n::call_back_escape_xml_dec,
+    fl::i18n::call_back_escape_xml_hex, fl::i18n::call_back_escape_unicode, fl::i18n::call_back_escape_css2,
+    static_cast<codecvt_call_back_mode>(0x300)};
+
+} // namespace
+
+TEST(Utf8FastPathAgainstIcu, ToUnicodeInEveryMode)
+{
+    for (codecvt_call_back_mode mode : {fl::i18n::call_back_default, fl::i18n::call_back_invalid_check}) {
+        const codecvt_string_to_ustring cvt(mode, "UTF-8");
+        CvtCtx icu("UTF-8");
+        icu.change_to_call_back(mode);
+        for_each_text<std::string>(
+            11, [](qvtest::random_text& r, std::size_t n) { return r.utf8_mixed(n); },
+            [&](const std::string& bytes) {
+                compare_operations(
+                    cvt, bytes,
+                    [&] {
+                        return convert_to_string_large_buffer<char16_t, char>(icu.get_converter(),
+                            bytes.data(), bytes.size(), &fl::i18n::lcctype::stream_conversion_to_utf16);
+                    },
+                    "mode " + std::to_string(mode));
+            });
+    }
+}
+
+TEST(Utf8FastPathAgainstIcu, FromUnicodeInEveryMode)
+{
+    for (codecvt_call_back_mode mode : from_unicode_modes) {
+        const std::string substitution = mode == fl::i18n::call_back_substitution ? "?" : "";
+        const codecvt_ustring_to_string cvt(mode, "UTF-8", substitution);
+        CvtCtx icu("UTF-8");
+        icu.change_from_call_back(mode, substitution);
+        for_each_text<ustring>(
+            23, [](qvtest::random_text& r, std::size_t n) { return r.utf16_mixed(n); },
+            [&](const ustring& text) {
+                compare_operations(
+                    cvt, text,
+                    [&] {
+                        return convert_to_string_large_buffer<char, char16_t>(icu.get_converter(),
+                            text.data(), text.size(), &fl::i18n::lcctype::stream_conversion_from_utf16);
+                    },
+                    "mode " + std::to_string(mode));
+            });
+    }
+}
+
+TEST(Utf8FastPathAgainstIcu, DefaultPathOnAUtf8GlobalLocale)
+{
+    fl::i18n::QvLocaleCtx& ctx = fl::i18n::get_qvlocale_context();
+    ctx.getLcData().addLcName("en_US", "UTF-8", "en_US.UTF-8");
+    ctx.getLcData().addEncodingName("UTF-8", "UTF8");
+    ctx.setCurrentLocale(
+        std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
+    ASSERT_TRUE(ctx.setGlobalLocale(&ctx.getCurrentLocale()));
+    if (ucnv_getType(fl::i18n::lcctype::get_global_codecvt()) != UCNV_UTF8)
+        GTEST_SKIP()
+            << "the default encoding was fixed by an earlier test; run this case on its own, as ctest does";
+
+    // The ICU path of the default functions: a clone of the master through the engine.
+    for_each_text<std::string>(
+        37, [](qvtest::random_text& r, std::size_t n) { return r.utf8_mixed(n); },
+        [&](const std::string& bytes) {
+            const auto clone = fl::i18n::lcctype::clone_codecvt();
+            const ustring theirs = convert_to_string_large_buffer<char16_t, char>(
+                clone.get(), bytes.data(), bytes.size(), &fl::i18n::lcctype::stream_conversion_to_utf16);
+            ASSERT_TRUE(fl::i18n::to_ustring(bytes) == theirs) << text_of(bytes);
+            const std::string terminated(bytes.c_str()); // what the pointer form sees
+            const ustring theirs_terminated = convert_to_string_large_buffer<char16_t, char>(clone.get(),
+                terminated.data(), terminated.size(), &fl::i18n::lcctype::stream_conversion_to_utf16);
+            ASSERT_TRUE(fl::i18n::to_ustring(bytes.c_str()) == theirs_terminated) << text_of(bytes);
+        });
+    for_each_text<ustring>(
+        41, [](qvtest::random_text& r, std::size_t n) { return r.utf16_mixed(n); },
+        [&](const ustring& text) {
+            const auto clone = fl::i18n::lcctype::clone_codecvt();
+            const std::string theirs = convert_to_string_large_buffer<char, char16_t>(
+                clone.get(), text.data(), text.size(), &fl::i18n::lcctype::stream_conversion_from_utf16);
+            ASSERT_TRUE(fl::i18n::to_string(text) == theirs) << text_of(text);
+        });
 }

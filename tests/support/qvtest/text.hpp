@@ -35,6 +35,18 @@ public:
     // length random bytes.
     std::string bytes(std::size_t length);
 
+    // Well-formed text for UTF-8 conversions: ASCII runs of random length between characters
+    // of two, three and four UTF-8 bytes, boundary code points among them. Exactly `length`
+    // units (bytes for UTF-8); a character that would not fit is replaced by ASCII.
+    std::u16string utf16_mixed(std::size_t length);
+    std::string utf8_mixed(std::size_t length);
+    // Overwrites `count` places with ill-formed pieces, the length unchanged: for UTF-8 overlong
+    // forms, encoded surrogates, values beyond U+10FFFF, bytes that never occur, sequences cut
+    // short in the middle or at the very end, stray trail bytes; for UTF-16 lone high and low
+    // surrogates, reversed pairs, a high surrogate at the end.
+    void inject_faults(std::string& utf8, std::size_t count);
+    void inject_faults(std::u16string& utf16, std::size_t count);
+
 private:
     std::uint64_t state_;
 };
