@@ -4,18 +4,28 @@
 //   IcuClone       a clone of a master converter per call, then as IcuReused (what the default
 //                  path must pay at least);
 //   Default        to_ustring / to_string, with a UTF-8 global locale in force before first use;
-//   Codecvt        a codecvt_string_to_ustring / codecvt_ustring_to_string made once.
+//   Codecvt        a codecvt_string_to_ustring / codecvt_ustring_to_string made once;
+//   IcuDirect      ICU's u_strFromUTF8 / u_strToUTF8 into a worst-case buffer (a second reference).
 // Texts: ASCII, accented European and Japanese, sized in UTF-8 bytes.
+// Then file names: exists() on a short non-ASCII name beside std::filesystem, and the name's
+// conversion alone, the library's file-name stack against the same ICU call it used before.
 #include <qvi18n/i18n/conversion/codecvt.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
+#include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/operations.hpp>
+#include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
+
 #include <benchmark/benchmark.h>
 
 #include <unicode/ucnv.h>
+#include <unicode/ustring.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -168,6 +178,23 @@ void BM_ToUstring_Codecvt(benchmark::State& state)
     state.SetLabel(kind_names[state.range(0)]);
 }
 
+void BM_ToUstring_IcuDirect(benchmark::State& state)
+{
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    for (auto _ : state) {
+        UErrorCode status = U_ZERO_ERROR;
+        ustring out(bytes.size(), u'\0');
+        int32_t n = 0;
+        u_strFromUTF8(&out[0], static_cast<int32_t>(out.size()), &n, bytes.data(),
+            static_cast<int32_t>(bytes.size()), &status);
+        out.resize(static_cast<std::size_t>(n));
+        benchmark::DoNotOptimize(out);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes.size()));
+    state.SetLabel(kind_names[state.range(0)]);
+}
+
 // ---- UTF-16 to bytes
 
 std::string icu_to_bytes(UConverter* c, const ustring& text)
@@ -256,6 +283,77 @@ void BM_ToString_Codecvt(benchmark::State& state)
     state.SetLabel(kind_names[state.range(0)]);
 }
 
+void BM_ToString_IcuDirect(benchmark::State& state)
+{
+    const std::string bytes
+        = utf8_text(static_cast<int>(state.range(0)), static_cast<std::size_t>(state.range(1)));
+    const ustring text = to_units(bytes);
+    for (auto _ : state) {
+        UErrorCode status = U_ZERO_ERROR;
+        std::string out(3 * text.size(), '\0');
+        int32_t n = 0;
+        u_strToUTF8(&out[0], static_cast<int32_t>(out.size()), &n, text.data(),
+            static_cast<int32_t>(text.size()), &status);
+        out.resize(static_cast<std::size_t>(n));
+        benchmark::DoNotOptimize(out);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes.size()));
+    state.SetLabel(kind_names[state.range(0)]);
+}
+
+// ---- File names
+
+// A short non-ASCII name in a temporary directory, made once: "/tmp/.../Größe_日本.txt".
+const std::string& short_name()
+{
+    static const std::string name = [] {
+        const std::filesystem::path dir = std::filesystem::temp_directory_path() / "qvi18n_bench_names";
+        std::filesystem::create_directories(dir);
+        const std::string file = dir.string()
+            + "/Gr\xC3\xB6\xC3\x9F"
+              "e_\xE6\x97\xA5\xE6\x9C\xAC.txt";
+        std::ofstream(file) << "x";
+        return file;
+    }();
+    return name;
+}
+
+void BM_Exists_NonAsciiShort_Std(benchmark::State& state)
+{
+    const std::filesystem::path p(short_name());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::filesystem::exists(p));
+}
+
+void BM_Exists_NonAsciiShort_Upath(benchmark::State& state)
+{
+    const fl::filesystem::upath p(to_units(short_name()));
+    if (!fl::filesystem::exists(p))
+        state.SkipWithError("the name was not found");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(fl::filesystem::exists(p));
+}
+
+// The name alone into a stack buffer, as exists() converts it: the file-name stack, and the same
+// ICU call (u_strToUTF8WithSub) through the fixed converter of the conversion library.
+void BM_NameToUtf8_Icu(benchmark::State& state)
+{
+    const ustring name = to_units(short_name());
+    char buffer[1024];
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            fl::i18n::lcctype::conversion_to_utf8(buffer, sizeof buffer, name.data(), name.size()));
+}
+
+void BM_NameToUtf8_FileNameStack(benchmark::State& state)
+{
+    const ustring name = to_units(short_name());
+    char buffer[1024];
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            fl::filesystem::detail::conversion_to_utf8(buffer, sizeof buffer, name.data(), name.size()));
+}
+
 void sizes(benchmark::internal::Benchmark* b)
 {
     for (int kind = 0; kind < 3; ++kind)
@@ -270,8 +368,14 @@ BENCHMARK(BM_ToUstring_IcuPreflight)->Apply(sizes);
 BENCHMARK(BM_ToUstring_IcuClone)->Apply(sizes);
 BENCHMARK(BM_ToUstring_Default)->Apply(sizes);
 BENCHMARK(BM_ToUstring_Codecvt)->Apply(sizes);
+BENCHMARK(BM_ToUstring_IcuDirect)->Apply(sizes);
 BENCHMARK(BM_ToString_IcuReused)->Apply(sizes);
 BENCHMARK(BM_ToString_IcuPreflight)->Apply(sizes);
 BENCHMARK(BM_ToString_IcuClone)->Apply(sizes);
 BENCHMARK(BM_ToString_Default)->Apply(sizes);
 BENCHMARK(BM_ToString_Codecvt)->Apply(sizes);
+BENCHMARK(BM_ToString_IcuDirect)->Apply(sizes);
+BENCHMARK(BM_Exists_NonAsciiShort_Std);
+BENCHMARK(BM_Exists_NonAsciiShort_Upath);
+BENCHMARK(BM_NameToUtf8_Icu);
+BENCHMARK(BM_NameToUtf8_FileNameStack);

@@ -152,13 +152,17 @@ std::string random_text::bytes(std::size_t length)
 namespace {
 
 // One code point for the mixed texts: a boundary value now and then, else a random one of a
-// random UTF-8 length.
-char32_t mixed_code_point(random_text& random)
+// random UTF-8 length. A text keeps to one profile: everything mixed, or mostly two-, three- or
+// four-byte characters, so that long stretches of one kind occur too.
+char32_t mixed_code_point(random_text& random, unsigned profile)
 {
-    static const char32_t edges[] = {0x80, 0x7FF, 0x800, 0xD7FF, 0xE000, 0xFEFF, 0xFFFD, 0xFFFE, 0xFFFF,
-        0x10000, 0x10FFFF, 0x1F600, 0xFDD0};
+    static const char32_t edges[] = {0x80, 0x7FF, 0x800, 0xD7FF, 0xE000, 0xFEFF, 0xFFFD, 0xFFFE, 0xFFFF, 0x10000,
+        0x10FFFF, 0x1F600, 0xFDD0};
     const std::uint32_t r = random.next();
-    switch (r % 8) {
+    unsigned kind = r % 8;
+    if (profile != 0 && r % 5 != 0)
+        kind = profile == 1 ? 1 : profile == 2 ? 3 : 6;
+    switch (kind) {
     case 0:
         return edges[(r >> 8) % (sizeof edges / sizeof edges[0])];
     case 1:
@@ -188,13 +192,14 @@ std::u16string random_text::utf16_mixed(std::size_t length)
 {
     std::u16string out;
     out.reserve(length);
+    const unsigned profile = next() % 4;
     while (out.size() < length) {
-        if (next() % 2 == 0) {
+        if (next() % (profile == 0 ? 2 : 6) == 0) {
             for (std::size_t n = ascii_run(*this); n > 0 && out.size() < length; --n)
                 out.push_back(static_cast<char16_t>(0x20 + next() % 0x5F));
             continue;
         }
-        char32_t c = mixed_code_point(*this);
+        char32_t c = mixed_code_point(*this, profile);
         if (c >= 0x10000) {
             if (out.size() + 2 > length) {
                 out.push_back(u'z');
@@ -214,13 +219,14 @@ std::string random_text::utf8_mixed(std::size_t length)
 {
     std::string out;
     out.reserve(length);
+    const unsigned profile = next() % 4;
     while (out.size() < length) {
-        if (next() % 2 == 0) {
+        if (next() % (profile == 0 ? 2 : 6) == 0) {
             for (std::size_t n = ascii_run(*this); n > 0 && out.size() < length; --n)
                 out.push_back(static_cast<char>(0x20 + next() % 0x5F));
             continue;
         }
-        char32_t c = mixed_code_point(*this);
+        char32_t c = mixed_code_point(*this, profile);
         std::u16string units;
         if (c >= 0x10000) {
             units.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
