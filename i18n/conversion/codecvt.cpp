@@ -1,7 +1,7 @@
 #include <qvi18n/i18n/conversion/codecvt.hpp>
-#include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include "i18n/conversion/block_loop.hpp"
+#include "i18n/conversion/ctx_open.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
 #include "i18n/conversion/utf8_fast_path.hpp"
 
@@ -9,19 +9,6 @@ namespace fl {
 namespace i18n {
 
 namespace {
-
-// A converter built with no encoding follows the global locale as it stands now.
-std::unique_ptr<CvtCtx> make_ctx(const std::string& encoding)
-{
-    return std::unique_ptr<CvtCtx>(new CvtCtx(encoding.empty() ? QvLocale::global().encoding() : encoding));
-}
-
-UConverter* converter_of(const std::unique_ptr<CvtCtx>& ctx)
-{
-    if (!ctx || !ctx->get_converter())
-        detail::throw_cvt<CvtConversionFailure>();
-    return ctx->get_converter();
-}
 
 // Well-formed text to or from UTF-8 needs no ICU call; call-backs only ever act on the rest.
 bool is_utf8(UConverter* converter)
@@ -32,7 +19,7 @@ bool is_utf8(UConverter* converter)
 } // namespace
 
 codecvt_ustring_to_string::codecvt_ustring_to_string(const std::string& encoding, bool allow_invalid)
-    : ctx(make_ctx(encoding))
+    : ctx(detail::open_ctx(encoding))
 {
     if (!allow_invalid)
         ctx->change_from_call_back(call_back_invalid_check, std::string());
@@ -40,7 +27,7 @@ codecvt_ustring_to_string::codecvt_ustring_to_string(const std::string& encoding
 
 codecvt_ustring_to_string::codecvt_ustring_to_string(
     codecvt_call_back_mode mode, const std::string& encoding, const std::string& substitution)
-    : ctx(make_ctx(encoding))
+    : ctx(detail::open_ctx(encoding))
 {
     if (mode != call_back_default)
         ctx->change_from_call_back(mode, substitution);
@@ -68,7 +55,7 @@ codecvt_call_back_mode codecvt_ustring_to_string::get_call_back_mode() const
 unsigned long codecvt_ustring_to_string::do_get_destination_size(
     const char16_t* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     std::size_t needed = 0;
     if (is_utf8(converter) && detail::utf16_to_utf8_length(source, length, needed))
         return needed;
@@ -78,7 +65,7 @@ unsigned long codecvt_ustring_to_string::do_get_destination_size(
 
 std::string codecvt_ustring_to_string::do_convert(const char16_t* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     std::string converted;
     if (is_utf8(converter) && detail::utf16_to_utf8_string(source, length, converted))
         return converted;
@@ -88,7 +75,7 @@ std::string codecvt_ustring_to_string::do_convert(const char16_t* source, unsign
 unsigned long codecvt_ustring_to_string::do_convert(
     char* destination, unsigned long destination_size, const char16_t* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     std::size_t needed = 0;
     if (is_utf8(converter)
         && detail::utf16_to_utf8_buffer(source, length, destination, destination_size, false, needed))
@@ -98,14 +85,14 @@ unsigned long codecvt_ustring_to_string::do_convert(
 }
 
 codecvt_string_to_ustring::codecvt_string_to_ustring(const std::string& encoding, bool allow_invalid)
-    : ctx(make_ctx(encoding))
+    : ctx(detail::open_ctx(encoding))
 {
     if (!allow_invalid)
         ctx->change_to_call_back(call_back_invalid_check);
 }
 
 codecvt_string_to_ustring::codecvt_string_to_ustring(codecvt_call_back_mode mode, const std::string& encoding)
-    : ctx(make_ctx(encoding))
+    : ctx(detail::open_ctx(encoding))
 {
     if (mode != call_back_default)
         ctx->change_to_call_back(mode);
@@ -133,7 +120,7 @@ codecvt_call_back_mode codecvt_string_to_ustring::get_call_back_mode() const
 unsigned long codecvt_string_to_ustring::do_get_destination_size(
     const char* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     std::size_t needed = 0;
     if (is_utf8(converter) && detail::utf8_to_utf16_length(source, length, needed))
         return needed;
@@ -143,7 +130,7 @@ unsigned long codecvt_string_to_ustring::do_get_destination_size(
 
 ustring codecvt_string_to_ustring::do_convert(const char* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     ustring converted;
     if (is_utf8(converter) && detail::utf8_to_utf16_string(source, length, converted))
         return converted;
@@ -153,7 +140,7 @@ ustring codecvt_string_to_ustring::do_convert(const char* source, unsigned long 
 unsigned long codecvt_string_to_ustring::do_convert(
     char16_t* destination, unsigned long destination_size, const char* source, unsigned long length) const
 {
-    UConverter* converter = converter_of(ctx);
+    UConverter* converter = detail::converter_of(ctx);
     std::size_t needed = 0;
     if (is_utf8(converter)
         && detail::utf8_to_utf16_buffer(source, length, destination, destination_size, false, needed))
