@@ -10,6 +10,7 @@
 #include <qvi18n/i18n/conversion/codecvt.hpp>
 #include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
 #include <qvi18n/i18n/conversion/stream_codecvt.hpp>
+#include <qvi18n/i18n/conversion/terminal_codecvt.hpp>
 #include <qvi18n/i18n/ctype/ctype_exceptions.hpp>
 #include <qvi18n/i18n/ctype/classification.hpp>
 #include <qvi18n/i18n/ctype/transform.hpp>
