@@ -127,18 +127,28 @@ std::size_t count_bytes(const char16_t* p, std::size_t length) noexcept
     const __m128i above_ascii = _mm_set1_epi16(static_cast<short>(0xFF80));
     const __m128i above_two = _mm_set1_epi16(static_cast<short>(0xF800));
     const __m128i surrogate = _mm_set1_epi16(static_cast<short>(0xD800));
-    while (end - p >= 8) {
-        // 16-bit counters gain at most 3 a step and are summed as signed values.
-        std::size_t blocks = static_cast<std::size_t>(end - p) / 8;
-        if (blocks > 10000)
-            blocks = 10000;
+    while (end - p >= 16) {
+        // 16-bit counters gain at most 6 a step and are summed as signed values.
+        std::size_t blocks = static_cast<std::size_t>(end - p) / 16;
+        if (blocks > 5000)
+            blocks = 5000;
         __m128i count = zero;
-        for (; blocks > 0; --blocks, p += 8) {
-            const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-            const __m128i top = _mm_and_si128(units, above_two);
-            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(_mm_and_si128(units, above_ascii), zero));
-            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top, zero));
-            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top, surrogate));
+        for (; blocks > 0; --blocks, p += 16) {
+            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+            if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(_mm_or_si128(a, b), above_ascii), zero))
+                == 0xFFFF) {
+                less += 32; // sixteen ASCII units, a byte each
+                continue;
+            }
+            const __m128i top_a = _mm_and_si128(a, above_two);
+            const __m128i top_b = _mm_and_si128(b, above_two);
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(_mm_and_si128(a, above_ascii), zero));
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top_a, zero));
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top_a, surrogate));
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(_mm_and_si128(b, above_ascii), zero));
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top_b, zero));
+            count = _mm_sub_epi16(count, _mm_cmpeq_epi16(top_b, surrogate));
         }
         alignas(16) std::int32_t sums[4];
         _mm_store_si128(reinterpret_cast<__m128i*>(sums), _mm_madd_epi16(count, ones));
@@ -306,6 +316,17 @@ bool convert_checked(const char16_t* source, std::size_t length, char* out, char
             _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(units, units));
             p += 8;
             out += 8;
+            // A run of ASCII goes on sixteen units a step.
+            while (end - p >= 16 && out_end - out >= 16) {
+                const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+                const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+                if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(_mm_or_si128(a, b), above_ascii), zero))
+                    != 0xFFFF)
+                    break;
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(a, b));
+                p += 16;
+                out += 16;
+            }
             continue;
         }
         const unsigned small_mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(small, zero)));
