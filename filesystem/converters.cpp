@@ -2,8 +2,7 @@
 
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
-
-#include "i18n/conversion/utf8_fast_path.hpp"
+#include <qvi18n/i18n/conversion/utf8_fast_path.hpp>
 
 #include <unicode/ustring.h>
 
@@ -33,26 +32,27 @@ inline unsigned long checked_result(int value)
 // Well-formed names skip ICU: they convert the same whatever the substitution or call-backs.
 // What ICU's whole-buffer functions write into a buffer too small is ICU's to say, so such a
 // call is left to it, as is everything ill-formed. `d` null with a capacity is ICU's error.
-inline bool fast_to_utf8(
-    char* d, unsigned long cap, const char16_t* s, unsigned long n, unsigned long& needed)
+template <typename To, typename From, typename Fast>
+inline bool fast_buffer(
+    To* d, unsigned long cap, const From* s, unsigned long n, unsigned long& needed, Fast fast)
 {
     std::size_t size = 0;
-    if ((d == nullptr && cap != 0) || !fl::i18n::detail::utf16_to_utf8_buffer(s, n, d, cap, true, size)
-        || size > max_icu_length)
+    if ((d == nullptr && cap != 0) || !fast(s, n, d, cap, true, size) || size > max_icu_length)
         return false;
     needed = size;
     return true;
 }
 
+inline bool fast_to_utf8(
+    char* d, unsigned long cap, const char16_t* s, unsigned long n, unsigned long& needed)
+{
+    return fast_buffer(d, cap, s, n, needed, &fl::i18n::detail::utf16_to_utf8_buffer);
+}
+
 inline bool fast_from_utf8(
     char16_t* d, unsigned long cap, const char* s, unsigned long n, unsigned long& needed)
 {
-    std::size_t size = 0;
-    if ((d == nullptr && cap != 0) || !fl::i18n::detail::utf8_to_utf16_buffer(s, n, d, cap, true, size)
-        || size > max_icu_length)
-        return false;
-    needed = size;
-    return true;
+    return fast_buffer(d, cap, s, n, needed, &fl::i18n::detail::utf8_to_utf16_buffer);
 }
 
 inline bool is_utf8(UConverter* c)

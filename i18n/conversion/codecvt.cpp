@@ -1,9 +1,9 @@
 #include <qvi18n/i18n/conversion/codecvt.hpp>
+#include <qvi18n/i18n/conversion/utf8_fast_path.hpp>
 
 #include "i18n/conversion/block_loop.hpp"
 #include "i18n/conversion/ctx_open.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
-#include "i18n/conversion/utf8_fast_path.hpp"
 
 namespace fl {
 namespace i18n {

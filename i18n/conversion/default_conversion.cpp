@@ -1,10 +1,10 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/i18n/conversion/utf8_fast_path.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include "i18n/conversion/block_loop.hpp"
 #include "i18n/conversion/cvt_throw.hpp"
-#include "i18n/conversion/utf8_fast_path.hpp"
 
 #include <boost/thread/once.hpp>
 #include <boost/thread/tss.hpp>
@@ -83,8 +83,8 @@ std::unique_ptr<UConverter, converter_close> clone_codecvt()
 
 UConverter* get_cached_codecvt()
 {
-    boost::thread_specific_ptr<code_converter_context>* const slot =
-        made_once(thread_slot, thread_slot_once, &make_thread_slot);
+    boost::thread_specific_ptr<code_converter_context>* const slot
+        = made_once(thread_slot, thread_slot_once, &make_thread_slot);
     code_converter_context* context = slot->get();
     if (!context) {
         std::unique_ptr<UConverter, converter_close> clone = clone_codecvt();

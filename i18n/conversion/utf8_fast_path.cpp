@@ -1,4 +1,4 @@
-#include "i18n/conversion/utf8_fast_path.hpp"
+#include <qvi18n/i18n/conversion/utf8_fast_path.hpp>
 
 #include <cstdint>
 #include <cstring>
@@ -74,6 +74,25 @@ const byte second_high3[16]
 // U+10FFFF.
 const byte second_low4[5] = {0x90, 0x80, 0x80, 0x80, 0x80};
 const byte second_high4[5] = {0xBF, 0xBF, 0xBF, 0xBF, 0x8F};
+
+// The length of the well-formed sequence of two to four bytes that starts at `p` with a lead at
+// 0x80 or above, or 0 if there is none.
+inline int sequence_length(const byte* p, const byte* end) noexcept
+{
+    const byte lead = *p;
+    const std::size_t left = static_cast<std::size_t>(end - p);
+    if (lead < 0xE0)
+        return lead >= 0xC2 && left >= 2 && is_trail(p[1]) ? 2 : 0;
+    if (lead < 0xF0)
+        return left >= 3 && p[1] >= second_low3[lead & 0x0F] && p[1] <= second_high3[lead & 0x0F]
+                && is_trail(p[2])
+            ? 3
+            : 0;
+    return lead <= 0xF4 && left >= 4 && p[1] >= second_low4[lead - 0xF0] && p[1] <= second_high4[lead - 0xF0]
+            && is_trail(p[2]) && is_trail(p[3])
+        ? 4
+        : 0;
+}
 
 // The units the text yields if it is well-formed, without checking that it is: one per byte that
 // is not a trail byte, and one more for each lead of four bytes. For ill-formed text the figure is
@@ -197,30 +216,22 @@ bool convert_checked(const char* source, std::size_t length, char16_t* out, char
                 *out++ = *p++;
             continue;
         }
-        const std::size_t left = static_cast<std::size_t>(end - p);
-        if (lead < 0xE0) {
-            if (lead < 0xC2 || left < 2 || !is_trail(p[1]))
-                return false;
+        const int bytes = sequence_length(p, end);
+        if (bytes == 2) {
             *out++ = static_cast<char16_t>(((lead & 0x1F) << 6) | (p[1] & 0x3F));
-            p += 2;
-        } else if (lead < 0xF0) {
-            if (left < 3 || p[1] < second_low3[lead & 0x0F] || p[1] > second_high3[lead & 0x0F]
-                || !is_trail(p[2]))
-                return false;
+        } else if (bytes == 3) {
             *out++ = static_cast<char16_t>(((lead & 0x0F) << 12) | ((p[1] & 0x3F) << 6) | (p[2] & 0x3F));
-            p += 3;
-        } else {
-            if (lead > 0xF4 || left < 4 || p[1] < second_low4[lead - 0xF0] || p[1] > second_high4[lead - 0xF0]
-                || !is_trail(p[2]) || !is_trail(p[3]))
-                return false;
+        } else if (bytes == 4) {
             const std::uint32_t c = (static_cast<std::uint32_t>(lead & 0x07) << 18)
                 | (static_cast<std::uint32_t>(p[1] & 0x3F) << 12)
                 | (static_cast<std::uint32_t>(p[2] & 0x3F) << 6) | (p[3] & 0x3F);
             out[0] = static_cast<char16_t>(0xD7C0 + (c >> 10));
             out[1] = static_cast<char16_t>(0xDC00 | (c & 0x3FF));
             out += 2;
-            p += 4;
+        } else {
+            return false;
         }
+        p += bytes;
     }
     return out == out_end;
 }
@@ -397,25 +408,11 @@ bool utf8_to_utf16_length(const char* source, std::size_t length, std::size_t& u
             p = skip_ascii(p + 1, end);
             continue;
         }
-        const std::size_t left = static_cast<std::size_t>(end - p);
-        if (lead < 0xE0) {
-            if (lead < 0xC2 || left < 2 || !is_trail(p[1]))
-                return false;
-            p += 2;
-            saved += 1;
-        } else if (lead < 0xF0) {
-            if (left < 3 || p[1] < second_low3[lead & 0x0F] || p[1] > second_high3[lead & 0x0F]
-                || !is_trail(p[2]))
-                return false;
-            p += 3;
-            saved += 2;
-        } else {
-            if (lead > 0xF4 || left < 4 || p[1] < second_low4[lead - 0xF0] || p[1] > second_high4[lead - 0xF0]
-                || !is_trail(p[2]) || !is_trail(p[3]))
-                return false;
-            p += 4;
-            saved += 2;
-        }
+        const int bytes = sequence_length(p, end);
+        if (bytes == 0)
+            return false;
+        p += bytes;
+        saved += bytes == 2 ? 1 : 2;
     }
     units = length - saved;
     return true;
@@ -449,39 +446,50 @@ bool utf16_to_utf8_length(const char16_t* source, std::size_t length, std::size_
     return true;
 }
 
-bool utf8_to_utf16_string(const char* source, std::size_t length, ustring& result, std::size_t limit)
+namespace {
+
+inline std::size_t count_result(const char* source, std::size_t length) noexcept
+{
+    return count_units(reinterpret_cast<const byte*>(source), length);
+}
+
+inline std::size_t count_result(const char16_t* source, std::size_t length) noexcept
+{
+    return count_bytes(source, length);
+}
+
+inline bool checked_size(const char* source, std::size_t length, std::size_t& size) noexcept
+{
+    return utf8_to_utf16_length(source, length, size);
+}
+
+inline bool checked_size(const char16_t* source, std::size_t length, std::size_t& size) noexcept
+{
+    return utf16_to_utf8_length(source, length, size);
+}
+
+template <typename To, typename From>
+bool convert_to_string(
+    const From* source, std::size_t length, std::basic_string<To>& result, std::size_t limit)
 {
     if (!source && length != 0)
         return false;
     // Counting does not check, the conversion does: the text is read twice, not three times.
-    const std::size_t units = count_units(reinterpret_cast<const byte*>(source), length);
-    if (units > limit)
+    const std::size_t size = count_result(source, length);
+    if (size > limit)
         return false;
-    ustring converted(units, u'\0');
-    if (length != 0 && !convert_checked(source, length, &converted[0], &converted[0] + units))
-        return false;
-    result.swap(converted);
-    return true;
-}
-
-bool utf16_to_utf8_string(const char16_t* source, std::size_t length, std::string& result, std::size_t limit)
-{
-    if (!source && length != 0)
-        return false;
-    const std::size_t bytes = count_bytes(source, length);
-    if (bytes > limit)
-        return false;
-    std::string converted(bytes, '\0');
-    if (length != 0 && !convert_checked(source, length, &converted[0], &converted[0] + bytes))
+    std::basic_string<To> converted(size, To());
+    if (length != 0 && !convert_checked(source, length, &converted[0], &converted[0] + size))
         return false;
     result.swap(converted);
     return true;
 }
 
-bool utf8_to_utf16_buffer(const char* source, std::size_t length, char16_t* destination, std::size_t capacity,
+template <typename To, typename From>
+bool convert_to_buffer(const From* source, std::size_t length, To* destination, std::size_t capacity,
     bool terminate, std::size_t& needed) noexcept
 {
-    if (!utf8_to_utf16_length(source, length, needed))
+    if (!checked_size(source, length, needed))
         return false;
     if (!destination || capacity == 0)
         return true;
@@ -490,23 +498,32 @@ bool utf8_to_utf16_buffer(const char* source, std::size_t length, char16_t* dest
     // Checked already: a caller's buffer never receives output that is then taken back.
     convert_checked(source, length, destination, destination + needed);
     if (terminate && needed < capacity)
-        destination[needed] = u'\0';
+        destination[needed] = To();
     return true;
+}
+
+} // namespace
+
+bool utf8_to_utf16_string(const char* source, std::size_t length, ustring& result, std::size_t limit)
+{
+    return convert_to_string(source, length, result, limit);
+}
+
+bool utf16_to_utf8_string(const char16_t* source, std::size_t length, std::string& result, std::size_t limit)
+{
+    return convert_to_string(source, length, result, limit);
+}
+
+bool utf8_to_utf16_buffer(const char* source, std::size_t length, char16_t* destination, std::size_t capacity,
+    bool terminate, std::size_t& needed) noexcept
+{
+    return convert_to_buffer(source, length, destination, capacity, terminate, needed);
 }
 
 bool utf16_to_utf8_buffer(const char16_t* source, std::size_t length, char* destination, std::size_t capacity,
     bool terminate, std::size_t& needed) noexcept
 {
-    if (!utf16_to_utf8_length(source, length, needed))
-        return false;
-    if (!destination || capacity == 0)
-        return true;
-    if (needed > capacity)
-        return false;
-    convert_checked(source, length, destination, destination + needed);
-    if (terminate && needed < capacity)
-        destination[needed] = '\0';
-    return true;
+    return convert_to_buffer(source, length, destination, capacity, terminate, needed);
 }
 
 } // namespace detail
