@@ -10,6 +10,9 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
+#include <boost/thread/locks.hpp>
+#include <boost/thread/mutex.hpp>
+
 #include <unicode/ustring.h>
 
 #include <cstdint>
@@ -47,11 +50,14 @@ void check(bool same)
 bool default_is_utf8()
 {
     static const bool utf8 = [] {
-        QvLocaleCtx& ctx = get_qvlocale_context();
-        ctx.getLcData().addLcName("en_US", "UTF-8", "en_US.UTF-8");
-        ctx.getLcData().addEncodingName("UTF-8", "UTF8");
-        ctx.setCurrentLocale(std::unique_ptr<QvLocaleImpl>(new QvLocaleImpl(std::string("en_US"))));
-        ctx.setGlobalLocale(&ctx.getCurrentLocale());
+        {
+            QvLocaleCtx& ctx = get_qvlocale_context();
+            boost::unique_lock<boost::mutex> lock(getLcMutex());
+            ctx.getLcDataForUpdate(lock).addLcName("en_US", "UTF-8", "en_US.UTF-8");
+            ctx.getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
+            ctx.setCurrentLocale(std::unique_ptr<QvLocaleImpl>(new QvLocaleImpl(std::string("en_US"))));
+            ctx.setGlobalLocale(&ctx.getCurrentLocale());
+        }
         return ucnv_getType(lcctype::get_global_codecvt()) == UCNV_UTF8;
     }();
     return utf8;

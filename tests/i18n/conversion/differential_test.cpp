@@ -10,6 +10,9 @@
 
 #include <qvtest/text.hpp>
 
+#include <boost/thread/locks.hpp>
+#include <boost/thread/mutex.hpp>
+
 #include <gtest/gtest.h>
 
 #include <unicode/ucnv.h>
@@ -301,12 +304,15 @@ TEST(Utf8FastPathAgainstIcu, FromUnicodeInEveryMode)
 
 TEST(Utf8FastPathAgainstIcu, DefaultPathOnAUtf8GlobalLocale)
 {
-    fl::i18n::QvLocaleCtx& ctx = fl::i18n::get_qvlocale_context();
-    ctx.getLcData().addLcName("en_US", "UTF-8", "en_US.UTF-8");
-    ctx.getLcData().addEncodingName("UTF-8", "UTF8");
-    ctx.setCurrentLocale(
-        std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
-    ASSERT_TRUE(ctx.setGlobalLocale(&ctx.getCurrentLocale()));
+    {
+        fl::i18n::QvLocaleCtx& ctx = fl::i18n::get_qvlocale_context();
+        boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
+        ctx.getLcDataForUpdate(lock).addLcName("en_US", "UTF-8", "en_US.UTF-8");
+        ctx.getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
+        ctx.setCurrentLocale(
+            std::unique_ptr<fl::i18n::QvLocaleImpl>(new fl::i18n::QvLocaleImpl(std::string("en_US"))));
+        ASSERT_TRUE(ctx.setGlobalLocale(&ctx.getCurrentLocale()));
+    }
     if (ucnv_getType(fl::i18n::lcctype::get_global_codecvt()) != UCNV_UTF8)
         GTEST_SKIP()
             << "the default encoding was fixed by an earlier test; run this case on its own, as ctest does";

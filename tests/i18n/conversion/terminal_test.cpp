@@ -4,6 +4,9 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
+#include <boost/thread/locks.hpp>
+#include <boost/thread/mutex.hpp>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -17,8 +20,9 @@ namespace {
 void make_global(const std::string& terminal)
 {
     QvLocaleCtx& ctx = get_qvlocale_context();
-    ctx.getLcData().addLcName("de_DE", "UTF-8", "de_DE.UTF-8");
-    ctx.getLcData().addEncodingName("UTF-8", "UTF8");
+    boost::unique_lock<boost::mutex> lock(getLcMutex());
+    ctx.getLcDataForUpdate(lock).addLcName("de_DE", "UTF-8", "de_DE.UTF-8");
+    ctx.getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
     std::unique_ptr<QvLocaleImpl> locale(new QvLocaleImpl(std::string("de_DE")));
     locale->setTerminalEncoding(terminal);
     ctx.setCurrentLocale(std::move(locale));
@@ -38,10 +42,15 @@ struct classic_restorer {
 
 TEST(StandardEncodingName, DatabaseFirstThenIcuThenTheDatabaseSpelling)
 {
-    LcData& data = get_qvlocale_context().getLcData();
+    const auto update = [](void (*change)(LcData&)) {
+        boost::unique_lock<boost::mutex> lock(getLcMutex());
+        change(get_qvlocale_context().getLcDataForUpdate(lock));
+    };
     // An alias only the database knows.
-    data.addEncodingName("Shift_JIS", "SJIS");
-    data.addEncodingAlias("our-sjis", "Shift_JIS");
+    update([](LcData& data) {
+        data.addEncodingName("Shift_JIS", "SJIS");
+        data.addEncodingAlias("our-sjis", "Shift_JIS");
+    });
     EXPECT_EQ(get_standard_encoding_name("our-sjis"), "Shift_JIS");
     EXPECT_EQ(get_standard_encoding_name("OUR-SJIS"), "Shift_JIS");
 
@@ -49,8 +58,10 @@ TEST(StandardEncodingName, DatabaseFirstThenIcuThenTheDatabaseSpelling)
     EXPECT_EQ(get_standard_encoding_name("latin2"), "ISO-8859-2");
     EXPECT_EQ(get_standard_encoding_name("ibm-943_P15A-2003"), "Shift_JIS");
     // ...unless the database spells that name its own way.
-    data.addEncodingName("ISO8859-5", "ISO8859_5");
-    data.addEncodingAlias("ISO-8859-5", "ISO8859-5");
+    update([](LcData& data) {
+        data.addEncodingName("ISO8859-5", "ISO8859_5");
+        data.addEncodingAlias("ISO-8859-5", "ISO8859-5");
+    });
     EXPECT_EQ(get_standard_encoding_name("cyrillic"), "ISO8859-5");
 
     // Neither knows it.
