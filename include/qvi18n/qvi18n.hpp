@@ -52,6 +52,7 @@
 
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_id_completions.hpp>
+#include <qvi18n/i18n/catalog/message_lookup_explanation.hpp>
 #include <qvi18n/i18n/catalog/catalog_map_writer.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #endif
