@@ -1,13 +1,13 @@
-// Exercises what the library offers and prints what it did: the locale database shipped beside
-// the library, locale objects and their fall-backs, conversion to a few encodings, Unicode file
+// Exercises what the library offers and prints what it did: start-up with the locale database
+// shipped beside the library, locale objects and their fall-backs, conversion to a few encodings, Unicode file
 // names, and translated messages from the library's own catalogs.
 #include <qvi18n/qvi18n.hpp>
 
-#include <boost/thread/lock_guard.hpp>
-
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
+#include <langinfo.h>
 #include <unistd.h>
 #include <vector>
 
@@ -55,6 +55,27 @@ void show_locale(char const* name)
         loc->encoding().c_str(), fallbacks.c_str());
 }
 
+// What start-up decided, and what the process's environment and C locale now say.
+void show_decision()
+{
+    fi::lcmgmt::system_setting_context const found = fi::lcmgmt::get_original_user_locale_setting();
+    std::printf("  found: locale \"%s\", first language \"%s\", application's language \"%s\"\n",
+        found.user_locale.c_str(), found.preferred_language.c_str(), found.app_language.c_str());
+    fi::QvLocale const& global = fi::QvLocale::global();
+    std::printf("  global locale: ctype %s, time %s, numeric %s, messages %s; encoding %s, terminal %s\n",
+        global.shortName(fi::QvLocale::LcCtype).c_str(), global.shortName(fi::QvLocale::LcTime).c_str(),
+        global.shortName(fi::QvLocale::LcNumeric).c_str(), global.shortName(fi::QvLocale::LcMessages).c_str(),
+        global.encoding().c_str(),
+        boost::get<std::string>(global.getLcOptData(fi::QvLcOptDataCtx::LcTermEncoding)).c_str());
+    std::string env;
+    for (char const* name : {"LANG", "LC_CTYPE", "LC_NUMERIC", "LC_MESSAGES", "LC_ALL"}) {
+        if (char const* value = std::getenv(name))
+            env += std::string(env.empty() ? "" : " ") + name + "=" + value;
+    }
+    std::printf("  environment now: %s; C library codeset %s; localised messages %s\n", env.c_str(),
+        nl_langinfo(CODESET), fi::get_l10n_resource_status() ? "on" : "off");
+}
+
 } // namespace
 
 int main()
@@ -62,19 +83,13 @@ int main()
     std::printf("libqvi18n %s for %s\n", fi::library_version(), fi::platform_tag());
     std::string root = installation_root();
 
-    // 1. Built-in state, then the shipped database.
-    fi::QvLocale const& global = fi::QvLocale::global();
-    std::printf("built-in global locale: %s, encoding %s\n", global.shortName(fi::QvLocale::LcCtype).c_str(),
-        global.encoding().c_str());
+    // 1. Start-up: the database beside the library, the user's settings, the global locale.
+    fi::initialize();
+    std::printf("start-up: status %d: %s\n", fi::QvLcUtil::getLcStatus(), fi::QvLcUtil::getInitStatusMsg().c_str());
+    if (!fi::QvLcUtil::getInitWarningMsg().empty())
+        std::printf("  warning: %s\n", fi::QvLcUtil::getInitWarningMsg().c_str());
+    show_decision();
     std::string lcdata = root + "/bin/lcdata.xml";
-    try {
-        boost::unique_lock<boost::mutex> lock(fi::getLcMutex());
-        fi::parseLcData(fi::get_qvlocale_context().getLcDataForUpdate(lock), fs::native_path(lcdata));
-        std::printf("read the locale database %s\n", lcdata.c_str());
-    } catch (std::exception const& e) {
-        std::printf("could not read %s: %s\n", lcdata.c_str(), e.what());
-        return 1;
-    }
 
     // 2. Locale objects.
     std::printf("locales:\n");
