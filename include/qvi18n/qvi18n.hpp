@@ -30,6 +30,7 @@
 #include <qvi18n/i18n/locale/system_locale.hpp>
 #include <qvi18n/i18n/locale/system_locale_linux.hpp>
 #include <qvi18n/i18n/locale/startup/initialize.hpp>
+#include <qvi18n/i18n/locale/startup/failure_text.hpp>
 #include <qvi18n/filesystem/file_status.hpp>
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/filesystem/compare.hpp>
