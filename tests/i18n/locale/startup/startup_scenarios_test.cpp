@@ -11,6 +11,7 @@
 
 #include <unicode/ucnv.h>
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <thread>
@@ -279,6 +280,48 @@ TEST_F(Startup, ChangeToAnotherLanguageOnlyLocks)
     disable_l10n_resource(); // works on a locked locale
     EXPECT_EQ("en_US", QvLocale::global().shortName(QvLocale::LcMessages));
     EXPECT_TRUE(lcmgmt::is_std_locale_valid());
+}
+
+// Readers of the well-known locales and of the status take no lock while start-up publishes them.
+TEST_F(Startup, ReadersRunWhileStartUpPublishes)
+{
+    ::setenv("LANG", "ja_JP.UTF-8", 1);
+    std::atomic<bool> done(false);
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 4; ++i) {
+        readers.emplace_back([&done] {
+            while (!done.load()) {
+                std::string const messages = QvLocale::global().shortName(QvLocale::LcMessages);
+                std::string const encoding = QvLocale::system().encoding();
+                int const now = QvLcUtil::getLcStatus();
+                ASSERT_TRUE(messages == "en_US" || messages == "ja_JP") << messages;
+                ASSERT_TRUE(encoding == "US-ASCII" || encoding == "UTF-8") << encoding;
+                ASSERT_TRUE(now == 2 || now == 0) << now;
+                QvLcUtil::getInitWarningMsg();
+            }
+        });
+    }
+    start();
+    done = true;
+    for (auto& reader : readers) {
+        reader.join();
+    }
+    EXPECT_EQ("ja_JP", QvLocale::global().shortName(QvLocale::LcMessages));
+}
+
+TEST_F(Startup, OddControlValuesAreKeptOrRefused)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    ::setenv("LANGUAGE", "\xff\xfe:@@:.:de_DE.@", 1);
+    ::setenv("QVLOCALE_L10N_CONTROL", "PerHaps", 1); // no choice: the database decides
+    ::setenv("QVLOCALE_TERMINAL_ENCODING", "", 1); // set but empty: refused
+    start();
+    EXPECT_EQ(3, status());
+    EXPECT_EQ("Invalid locale name.", QvLcUtil::getInitWarningMsg());
+    EXPECT_EQ("perhaps", get_qvlocale_context().getLocaleContext().l10n_control);
+    EXPECT_TRUE(get_l10n_resource_status());
+    EXPECT_EQ("de_DE de_DE de_DE en_US_POSIX de_DE de_DE UTF-8", names(QvLocale::global()));
+    EXPECT_EQ("UTF-8", terminal(QvLocale::global()));
 }
 
 } // namespace
