@@ -62,6 +62,21 @@ void compare_buffers(std::size_t total, Ours ours, Theirs theirs, const std::str
     }
 }
 
+// Our buffer and string conversions of one text against ICU's whole-buffer call `theirs`.
+template <typename To, typename Ours, typename OursString, typename Theirs>
+void compare_with_icu(Ours ours, OursString ours_string, Theirs theirs, const std::string& what)
+{
+    unsigned long total = 0;
+    const std::string refused = failure_of([&] { total = theirs(nullptr, 0); });
+    compare_buffers<To>(total, ours, theirs, what);
+    std::basic_string<To> converted, icu(total, To());
+    ASSERT_EQ(failure_of([&] { converted = ours_string(); }), refused) << what;
+    if (refused.empty()) {
+        theirs(&icu[0], total);
+        ASSERT_TRUE(converted == icu) << what;
+    }
+}
+
 unsigned long icu_from_uchars(UConverter* c, char* d, unsigned long cap, const char16_t* s, unsigned long n)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -80,121 +95,93 @@ unsigned long icu_to_uchars(UConverter* c, char16_t* d, unsigned long cap, const
     return static_cast<unsigned long>(length);
 }
 
+std::u16string mixed(qvtest::random_text& r, std::size_t n)
+{
+    return r.utf16_mixed(n);
+}
+
+std::string mixed_bytes(qvtest::random_text& r, std::size_t n)
+{
+    return r.utf8_mixed(n);
+}
+
 } // namespace
 
 TEST(FileNameFastPath, FixedStackMatchesIcu)
 {
-    for_each_text<ustring>(
-        5, [](qvtest::random_text& r, std::size_t n) { return r.utf16_mixed(n); },
-        [](const ustring& text) {
-            const auto theirs = [&](char* d, unsigned long cap) {
+    for_each_text<ustring>(5, mixed, [](const ustring& text) {
+        compare_with_icu<char>(
+            [&](char* d, unsigned long cap) {
+                return fs::detail::conversion_to_utf8(d, cap, text.data(), text.size());
+            },
+            [&] { return fs::detail::to_filesystem(text); },
+            [&](char* d, unsigned long cap) {
                 UErrorCode status = U_ZERO_ERROR;
                 int32_t length = 0;
                 u_strToUTF8WithSub(d, static_cast<int32_t>(cap), &length, text.data(),
                     static_cast<int32_t>(text.size()), 0x1A, nullptr, &status);
                 return static_cast<unsigned long>(length);
-            };
-            const unsigned long total = theirs(nullptr, 0);
-            compare_buffers<char>(
-                total,
-                [&](char* d, unsigned long cap) {
-                    return fs::detail::conversion_to_utf8(d, cap, text.data(), text.size());
-                },
-                theirs, "to UTF-8 " + qvtest::hex_dump(text, 16));
-            std::string icu(total, '\0');
-            theirs(&icu[0], total);
-            ASSERT_TRUE(fs::detail::to_filesystem(text) == icu) << qvtest::hex_dump(text, 16);
-        });
-    for_each_text<std::string>(
-        9, [](qvtest::random_text& r, std::size_t n) { return r.utf8_mixed(n); },
-        [](const std::string& bytes) {
-            const auto theirs = [&](char16_t* d, unsigned long cap) {
+            },
+            "to UTF-8 " + qvtest::hex_dump(text, 16));
+    });
+    for_each_text<std::string>(9, mixed_bytes, [](const std::string& bytes) {
+        compare_with_icu<char16_t>(
+            [&](char16_t* d, unsigned long cap) {
+                return fs::detail::conversion_from_utf8(d, cap, bytes.data(), bytes.size());
+            },
+            [&] { return fs::detail::from_filesystem(bytes); },
+            [&](char16_t* d, unsigned long cap) {
                 UErrorCode status = U_ZERO_ERROR;
                 int32_t length = 0;
                 u_strFromUTF8WithSub(d, static_cast<int32_t>(cap), &length, bytes.data(),
                     static_cast<int32_t>(bytes.size()), 0xFFFD, nullptr, &status);
                 return static_cast<unsigned long>(length);
-            };
-            const unsigned long total = theirs(nullptr, 0);
-            compare_buffers<char16_t>(
-                total,
-                [&](char16_t* d, unsigned long cap) {
-                    return fs::detail::conversion_from_utf8(d, cap, bytes.data(), bytes.size());
-                },
-                theirs, "from UTF-8 " + qvtest::hex_dump(bytes, 16));
-            ustring icu(total, u'\0');
-            theirs(&icu[0], total);
-            ASSERT_TRUE(fs::detail::from_filesystem(bytes) == icu) << qvtest::hex_dump(bytes, 16);
-        });
+            },
+            "from UTF-8 " + qvtest::hex_dump(bytes, 16));
+    });
 }
 
 TEST(FileNameFastPath, ConverterStackMatchesIcuStrictAndLenient)
 {
     for (bool allow_invalid : {true, false}) {
+        const std::string mode = allow_invalid ? "lenient " : "strict ";
+        fl::i18n::CvtCtx to_icu("UTF-8");
+        fl::i18n::CvtCtx from_icu("UTF-8");
+        if (!allow_invalid) {
+            to_icu.change_from_call_back(fl::i18n::call_back_invalid_check, std::string());
+            from_icu.change_to_call_back(fl::i18n::call_back_invalid_check);
+        }
         const fs::codecvt_ustring_to_filesystem to_fs(allow_invalid);
         const fs::codecvt_ustring_to_narrow_string to_narrow(allow_invalid);
-        fl::i18n::CvtCtx to_icu("UTF-8");
-        if (!allow_invalid)
-            to_icu.change_from_call_back(fl::i18n::call_back_invalid_check, std::string());
-        for_each_text<ustring>(
-            13, [](qvtest::random_text& r, std::size_t n) { return r.utf16_mixed(n); },
-            [&](const ustring& text) {
-                const auto theirs = [&](char* d, unsigned long cap) {
-                    return icu_from_uchars(to_icu.get_converter(), d, cap, text.data(), text.size());
-                };
-                unsigned long total = 0;
-                const std::string refused = failure_of([&] { total = theirs(nullptr, 0); });
-                const fl::i18n::converter<char, char16_t>* const cvts[] = {&to_fs, &to_narrow};
-                for (const auto* cvt : cvts) {
-                    const std::string what
-                        = "strict " + std::to_string(!allow_invalid) + " " + qvtest::hex_dump(text, 16);
-                    compare_buffers<char>(
-                        total,
-                        [&](char* d, unsigned long cap) {
-                            return cvt->convert(d, cap, text.data(), text.size());
-                        },
-                        theirs, what);
-                    std::string ours, icu(total, '\0');
-                    ASSERT_EQ(failure_of([&] { ours = cvt->convert(text.data(), text.size()); }), refused)
-                        << what;
-                    if (refused.empty()) {
-                        theirs(&icu[0], total);
-                        ASSERT_TRUE(ours == icu) << what;
-                    }
-                }
+        const fl::i18n::converter<char, char16_t>* const to_bytes[] = {&to_fs, &to_narrow};
+        for (const auto* cvt : to_bytes) {
+            for_each_text<ustring>(13, mixed, [&](const ustring& text) {
+                compare_with_icu<char>(
+                    [&](char* d, unsigned long cap) {
+                        return cvt->convert(d, cap, text.data(), text.size());
+                    },
+                    [&] { return cvt->convert(text.data(), text.size()); },
+                    [&](char* d, unsigned long cap) {
+                        return icu_from_uchars(to_icu.get_converter(), d, cap, text.data(), text.size());
+                    },
+                    mode + qvtest::hex_dump(text, 16));
             });
-
+        }
         const fs::codecvt_filesystem_to_ustring from_fs(allow_invalid);
         const fs::codecvt_narrow_string_to_ustring from_narrow(allow_invalid);
-        fl::i18n::CvtCtx from_icu("UTF-8");
-        if (!allow_invalid)
-            from_icu.change_to_call_back(fl::i18n::call_back_invalid_check);
-        for_each_text<std::string>(
-            17, [](qvtest::random_text& r, std::size_t n) { return r.utf8_mixed(n); },
-            [&](const std::string& bytes) {
-                const auto theirs = [&](char16_t* d, unsigned long cap) {
-                    return icu_to_uchars(from_icu.get_converter(), d, cap, bytes.data(), bytes.size());
-                };
-                unsigned long total = 0;
-                const std::string refused = failure_of([&] { total = theirs(nullptr, 0); });
-                const fl::i18n::converter<char16_t, char>* const cvts[] = {&from_fs, &from_narrow};
-                for (const auto* cvt : cvts) {
-                    const std::string what
-                        = "strict " + std::to_string(!allow_invalid) + " " + qvtest::hex_dump(bytes, 16);
-                    compare_buffers<char16_t>(
-                        total,
-                        [&](char16_t* d, unsigned long cap) {
-                            return cvt->convert(d, cap, bytes.data(), bytes.size());
-                        },
-                        theirs, what);
-                    ustring ours, icu(total, u'\0');
-                    ASSERT_EQ(failure_of([&] { ours = cvt->convert(bytes.data(), bytes.size()); }), refused)
-                        << what;
-                    if (refused.empty()) {
-                        theirs(&icu[0], total);
-                        ASSERT_TRUE(ours == icu) << what;
-                    }
-                }
+        const fl::i18n::converter<char16_t, char>* const from_bytes[] = {&from_fs, &from_narrow};
+        for (const auto* cvt : from_bytes) {
+            for_each_text<std::string>(17, mixed_bytes, [&](const std::string& bytes) {
+                compare_with_icu<char16_t>(
+                    [&](char16_t* d, unsigned long cap) {
+                        return cvt->convert(d, cap, bytes.data(), bytes.size());
+                    },
+                    [&] { return cvt->convert(bytes.data(), bytes.size()); },
+                    [&](char16_t* d, unsigned long cap) {
+                        return icu_to_uchars(from_icu.get_converter(), d, cap, bytes.data(), bytes.size());
+                    },
+                    mode + qvtest::hex_dump(bytes, 16));
             });
+        }
     }
 }
