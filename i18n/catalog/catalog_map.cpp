@@ -2,6 +2,7 @@
 
 #include <qvi18n/filesystem/path.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -77,8 +78,7 @@ bool MetaInfoExpatEventHandler::process_entry_tag(const char** attributes)
         return false;
     }
     tag_stack.push_back(entry_element);
-    ustring wanted(catalog_prefix);
-    wanted += u':';
+    const std::size_t prefix_size = catalog_prefix.size();
     // The walk steps over the value of "key" only; the value of any other attribute is looked at
     // as a name in its turn, as the catalog reader does.
     for (const char** word = attributes; *word; ++word) {
@@ -89,13 +89,22 @@ bool MetaInfoExpatEventHandler::process_entry_tag(const char** attributes)
         if (!value) {
             return false;
         }
-        const ustring key = ascii_converter.convert(value, std::strlen(value));
-        if (key.size() > wanted.size() && key.compare(0, wanted.size(), wanted) == 0) {
-            const ustring::size_type end = key.find(u':', wanted.size());
-            // An empty segment ("a::b") can't complete to anything that parses.
-            if (end != wanted.size()) {
-                results->insert(key.substr(wanted.size(), end == ustring::npos ? ustring::npos : end - wanted.size()));
-            }
+        const std::size_t length = std::strlen(value);
+        // Text that isn't ASCII is refused by the converter; ASCII is compared where it lies, as
+        // a map of a large component holds many entries that don't concern the prefix.
+        if (std::any_of(value, value + length, [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
+            ascii_converter.convert(value, length);
+        }
+        if (length <= prefix_size + 1 || value[prefix_size] != ':'
+            || !std::equal(catalog_prefix.begin(), catalog_prefix.end(), value,
+                [](char16_t a, char b) { return a == static_cast<unsigned char>(b); })) {
+            continue;
+        }
+        const char* segment = value + prefix_size + 1;
+        const char* end = static_cast<const char*>(std::memchr(segment, ':', length - prefix_size - 1));
+        // An empty segment ("a::b") can't complete to anything that parses.
+        if (end != segment) {
+            results->insert(ascii_converter.convert(segment, static_cast<unsigned long>((end ? end : value + length) - segment)));
         }
     }
     return true;

@@ -34,6 +34,11 @@ upath map_tree(const upath& root)
     return base;
 }
 
+char16_t ascii_lower(char16_t c)
+{
+    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
+}
+
 // True when the first `wanted.size()` units of `text` equal `wanted`, ignoring case.
 bool starts_with(const ustring& text, const ustring& wanted)
 {
@@ -130,8 +135,23 @@ void add_keys(const ustring& catalog_part, const ustring& key_part, std::vector<
     } catch (const MessageCatalog::MessageCatalogLoadFailed&) {
         return;
     }
+    const bool ascii_part = std::all_of(key_part.begin(), key_part.end(), [](char16_t c) { return c < 0x80; });
     ustring key;
     for (const std::string& narrow : found->get_all_keys()) {
+        // Texts of ASCII alone are equal under case folding exactly when they are equal under
+        // ASCII case: most keys are decided here without a conversion or a call into ICU.
+        if (ascii_part) {
+            const std::size_t n = std::min(narrow.size(), key_part.size());
+            if (std::all_of(narrow.begin(), narrow.begin() + n, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+                bool equal = n == key_part.size();
+                for (std::size_t i = 0; equal && i < n; ++i) {
+                    equal = ascii_lower(static_cast<char16_t>(narrow[i])) == ascii_lower(key_part[i]);
+                }
+                if (!equal) {
+                    continue;
+                }
+            }
+        }
         // Keys are UTF-8; UTF-16 never needs more units than UTF-8 has bytes.
         key.resize(narrow.size());
         key.resize(lcctype::conversion_from_utf8(&key[0], key.size(), narrow.data(), narrow.size()));
