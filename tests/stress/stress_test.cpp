@@ -8,10 +8,11 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/i18n/locale/startup/initialize.hpp>
 
 #include "tests/i18n/locale/locale_test_db.hpp"
+#include "tests/i18n/locale/startup_support.hpp"
 
-#include <boost/thread/lock_guard.hpp>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -40,7 +41,7 @@ struct expected_answers {
     std::string encodings[4];     // what createLocale(name)->encoding() says
     std::string narrow;           // to_string(wide) and back
     ustring wide;
-    std::string lossy_narrow;     // to_string of text the default encoding cannot hold
+    std::string mixed_narrow;     // to_string of non-ASCII text: lossy under an ASCII default
 };
 
 double stress_seconds()
@@ -50,13 +51,9 @@ double stress_seconds()
     return seconds > 0 ? seconds : 3.0;
 }
 
-} // namespace
-
-TEST(Stress, EightThreadsMixingMessagesFlushesConversionAndLocales)
+// The mix itself; the locale database must be filled and the catalog roots set.
+void run_mix()
 {
-    qvtest::fill_locale_database(); // takes the global lock itself
-    ASSERT_TRUE(MessageCatalog::MessageCatalogInit(std::string(QVI18N_TEST_BUILD_ROOT)));
-
     expected_answers want;
     for (std::size_t l = 0; l < locale_names.size(); ++l) {
         want.locales.push_back(QvLocale::createLocale(locale_names[l]));
@@ -74,7 +71,7 @@ TEST(Stress, EightThreadsMixingMessagesFlushesConversionAndLocales)
     want.narrow = "plain text for the default conversion, 0123456789";
     want.wide = to_ustring(want.narrow);
     ASSERT_EQ(to_string(want.wide), want.narrow);
-    want.lossy_narrow = to_string(u"caf\u00e9 \u65e5\u672c");
+    want.mixed_narrow = to_string(u"caf\u00e9 \u65e5\u672c");
 
     const int thread_count = 8;
     const auto deadline = std::chrono::steady_clock::now()
@@ -113,7 +110,7 @@ TEST(Stress, EightThreadsMixingMessagesFlushesConversionAndLocales)
                             break;
                         case op_to_string:
                             wrong += to_string(want.wide) != want.narrow;
-                            wrong += to_string(u"caf\u00e9 \u65e5\u672c") != want.lossy_narrow;
+                            wrong += to_string(u"caf\u00e9 \u65e5\u672c") != want.mixed_narrow;
                             break;
                         case op_to_ustring:
                             wrong += to_ustring(want.narrow) != want.wide;
@@ -147,4 +144,28 @@ TEST(Stress, EightThreadsMixingMessagesFlushesConversionAndLocales)
     EXPECT_EQ(failures.load(), 0);
     for (int op = 0; op < op_count; ++op)
         EXPECT_GT(done[op].load(), 0) << "operation " << op << " never ran";
+}
+
+} // namespace
+
+TEST(Stress, EightThreadsMixingMessagesFlushesConversionAndLocales)
+{
+    qvtest::fill_locale_database(); // takes the global lock itself
+    ASSERT_TRUE(MessageCatalog::MessageCatalogInit(std::string(QVI18N_TEST_BUILD_ROOT)));
+    run_mix();
+}
+
+// The same after a real start-up under a UTF-8 locale: the shipped database, a global locale
+// decided from the environment, and a default conversion that is not ASCII.
+class StressAfterStartUp : public qvtest::startup_process { };
+
+TEST_F(StressAfterStartUp, EightThreadsMixingUnderAGermanUtf8GlobalLocale)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    initialize();
+    ASSERT_EQ(QvLocale::global().encoding(), "UTF-8");
+    // Start-up may have set the same roots already; only the catalogs' being found matters.
+    MessageCatalog::MessageCatalogInit(std::string(QVI18N_TEST_BUILD_ROOT));
+    ASSERT_EQ(to_string(u"caf\u00e9"), "caf\xc3\xa9");
+    run_mix();
 }
