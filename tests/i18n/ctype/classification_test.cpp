@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
+#include <dlfcn.h>
+
 #include <random>
 #include <vector>
 
@@ -68,6 +70,26 @@ TEST(CtypeClassification, IsCtypeAgreesWithIcuForEveryClassAndCodePoint)
         ASSERT_FALSE(is_ctype(0, c));
         ASSERT_FALSE(is_ctype(0xFE00, c)) << "bits above print are ignored";
     }
+}
+
+TEST(CtypeClassification, TheLibraryExportsItsOwnIsCtype)
+{
+    // Callers inline is_ctype, so nothing in their own build notices if the shared library stops
+    // exporting it; ask the library itself.
+    Dl_info info;
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&do_not_ctype), &info), 0);
+    void* const library = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
+    ASSERT_NE(library, nullptr) << info.dli_fname;
+    typedef bool (*classifier)(unsigned int, char32_t);
+    const auto exported = reinterpret_cast<classifier>(dlsym(library, "_ZN2fl4i18n8is_ctypeEjDi"));
+    ASSERT_NE(exported, nullptr) << dlerror();
+    Dl_info where;
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(exported), &where), 0);
+    EXPECT_EQ(where.dli_fbase, info.dli_fbase);
+    EXPECT_TRUE(exported(0x001, U'a'));
+    EXPECT_TRUE(exported(0x001, 0x4E00));
+    EXPECT_FALSE(exported(0x002, 0x4E00));
+    dlclose(library);
 }
 
 TEST(CtypeClassification, CharacterFunctionsAgreeWithIcu)
