@@ -9,6 +9,7 @@ packages=(
   cmake g++ make pkg-config
   libicu-dev libexpat1-dev
   libboost-dev libboost-filesystem-dev libboost-system-dev libboost-thread-dev libboost-date-time-dev
+  libboost-program-options-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 for job in "$@"; do

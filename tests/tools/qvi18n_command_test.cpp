@@ -1,0 +1,160 @@
+// The qvi18n command end to end: spawned as a process with a clean environment, its output and
+// exit status compared.
+
+#include <qvtest/scoped_temp_dir.hpp>
+
+#include <qvi18n/qvi18n.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+class QvI18nCommand : public ::testing::Test {
+protected:
+    qvtest::scoped_temp_dir home;
+
+    outcome run(const std::string& args, const std::string& lang = "C.UTF-8", const std::string& input = "")
+    {
+        const std::string tool
+            = std::string(QVI18N_TEST_BUILD_ROOT) + "/bin/" + fl::i18n::platform_tag() + "/qvi18n";
+        const std::string err = home / "stderr";
+        const std::string in = home.write_file("stdin", input);
+        const std::string command = "env -i HOME=" + home.path() + " XDG_CONFIG_HOME=" + home.path()
+            + " LANG=" + lang + " " + tool + " " + args + " <" + in + " 2>" + err;
+        outcome result{-1, std::string(), std::string()};
+        FILE* pipe = ::popen(command.c_str(), "r");
+        char buffer[4096];
+        std::size_t n;
+        while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+            result.out.append(buffer, n);
+        }
+        const int raw = ::pclose(pipe);
+        result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        result.err = qvtest::read_file(err);
+        return result;
+    }
+};
+
+const char english[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<rsccat version="1.0" locale="en">
+  <message>
+    <entry key="Hello">Hello {0}.</entry>
+    <entry key="Bye">Bye.</entry>
+  </message>
+</rsccat>
+)";
+
+std::string catalog(const std::string& entries)
+{
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rsccat version=\"1.0\" locale=\"x\">\n  <message>\n" + entries
+        + "  </message>\n</rsccat>\n";
+}
+
+TEST_F(QvI18nCommand, CheckFindsEachFaultOnItsLine)
+{
+    qvtest::scoped_temp_dir root;
+    root.write_file("resources/c/en/a.xml", english);
+    root.write_file("resources/c/de/a.xml", catalog("    <entry key=\"Hello\">Hallo {0}.</entry>\n    <entry key=\"Hello\">Nochmal {0}.</entry>\n"));
+    root.write_file("resources/c/fr/a.xml", catalog("    <entry key=\"Hello\">Bonjour.</entry>\n"));
+    root.write_file("resources/c/it/a.xml", catalog("    <entry key=\"Ciao\">Ciao.</entry>\n"));
+    root.write_file("resources/c/es/a.xml", catalog("    <entry key=\"Bye\">Adi\xc3\xb3s {0,nonsense}.</entry>\n"));
+    root.write_file("resources/c/pt/a.xml", catalog("    <entry key=\"Bye\">Tchau.</entry\n"));
+    root.write_file("resources/c/nl/a.xml", "<?xml version=\"1.0\"?>\n<catalog>\n  <entry key=\"Bye\">Dag.</entry>\n</catalog>\n");
+    root.write_file("resources/c/de/b.xml", catalog("    <entry key=\"Only\">Nur.</entry>\n"));
+
+    const outcome result = run("check --no-maps " + root.path());
+    const std::string r = root.path() + "/resources/c/";
+    EXPECT_EQ(result.out,
+        r + "de/a.xml:5: duplicate: key \"Hello\" already given on line 4\n"
+        + r + "de/b.xml:1: no-english: catalog \"c:b\" has no \"en\" file\n"
+        + r + "es/a.xml:4: messageformat: key \"Bye\": not a valid message pattern (U_ILLEGAL_ARGUMENT_ERROR at offset 0)\n"
+        + r + "fr/a.xml:4: holes: key \"Hello\" has holes none where \"en\" has {0}\n"
+        + r + "it/a.xml:4: extra-key: key \"Ciao\" is not in the \"en\" catalog\n"
+        + r + "nl/a.xml:2: format: element <catalog> is not allowed as the root\n"
+        + r + "nl/a.xml:3: format: element <entry> is not allowed inside <catalog>\n"
+        + r + "pt/a.xml:5: xml: not well-formed XML: not well-formed (invalid token)\n");
+    EXPECT_EQ(result.status, 1);
+
+    const outcome json = run("check --no-maps --json " + root.path());
+    EXPECT_EQ(json.status, 1);
+    EXPECT_NE(json.out.find("{\"file\": \"" + r + "it/a.xml\", \"line\": 4, \"kind\": \"extra-key\""), std::string::npos);
+}
+
+TEST_F(QvI18nCommand, CheckComparesTheMapsWithTheCatalogs)
+{
+    qvtest::scoped_temp_dir root;
+    root.write_file("resources/c/en/a.xml", english);
+    root.write_file("resources/c/en/x/b.xml", english);
+    EXPECT_EQ(run("check " + root.path()).out,
+        root.path() + "/derived/share/resources/c/catalog_map.xml:0: map: no catalog map for component \"c\"\n");
+
+    root.write_file("derived/share/resources/c/catalog_map.xml",
+        "<MessageCatalogMap>\n  <entry key=\"c:a\"/>\n  <entry key=\"c:gone\"/>\n</MessageCatalogMap>\n");
+    const std::string dir = root.path() + "/derived/share/resources/c";
+    const outcome stale = run("check " + root.path());
+    EXPECT_EQ(stale.out, dir + ":0: map: the maps do not name catalog \"c:x:b\"\n" + dir
+            + ":0: map: the maps name catalog \"c:gone\", which has no file\n");
+    EXPECT_EQ(stale.status, 1);
+
+    root.write_file("derived/share/resources/c/catalog_map.xml",
+        "<MessageCatalogMap>\n  <entry key=\"c:a\"/>\n  <entry key=\"c:x:b\"/>\n</MessageCatalogMap>\n");
+    const outcome clean = run("check --json " + root.path());
+    EXPECT_EQ(clean.out, "{\"findings\": []}\n");
+    EXPECT_EQ(clean.status, 0);
+}
+
+TEST_F(QvI18nCommand, BadInputIsAFailureInTheUsersLanguage)
+{
+    const outcome missing = run("ls /no/such/directory", "de_DE.UTF-8");
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(missing.out, "");
+    EXPECT_EQ(missing.err, "qvi18n ls: Die Datei oder das Verzeichnis wurde nicht gefunden.\n");
+
+    EXPECT_EQ(run("check /no/such/root").status, 2);
+    EXPECT_EQ(run("frobnicate").status, 2);
+    EXPECT_EQ(run("status --no-such-option").status, 2);
+    const outcome holes = run("message fl:filesystem:SystemError only-one");
+    EXPECT_EQ(holes.status, 2);
+    EXPECT_EQ(holes.out, "");
+    EXPECT_NE(holes.err, "");
+    EXPECT_EQ(run("message not-an-identifier").status, 2);
+    EXPECT_EQ(run("message fl:filesystem:NoSuchKey").status, 2);
+}
+
+TEST_F(QvI18nCommand, SubcommandsPrintWhatTheLibraryAnswers)
+{
+    const outcome message = run("message fl:filesystem:SystemError --locale de_DE /srv 13");
+    EXPECT_EQ(message.out, "Bei /srv ist ein Systemfehler aufgetreten (Fehlernummer 13).\n");
+    EXPECT_EQ(message.status, 0);
+
+    const outcome status = run("status --json", "de_DE.UTF-8");
+    EXPECT_EQ(status.status, 0);
+    EXPECT_NE(status.out.find("\"messages\": \"de_DE\""), std::string::npos) << status.out;
+    EXPECT_NE(status.out.find("\"resource_roots\": [\"" + std::string(QVI18N_TEST_BUILD_ROOT) + "/resources\"]"),
+        std::string::npos)
+        << status.out;
+
+    qvtest::scoped_temp_dir dir;
+    dir.write_file("b.xml", "");
+    dir.write_file("a.XML", "");
+    dir.write_file("c.txt", "");
+    dir.make_dir("d.xml");
+    EXPECT_EQ(run("ls " + dir.path()).out, "a.XML\nb.xml\nc.txt\nd.xml/\n");
+    EXPECT_EQ(run("ls --pattern '*.xml' " + dir.path()).out, "b.xml\nd.xml/\n");
+
+    const outcome help = run("check --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.out.rfind("usage: qvi18n check", 0), 0u);
+}
+
+} // namespace

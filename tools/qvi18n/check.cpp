@@ -1,0 +1,426 @@
+// qvi18n check: the catalogs of a resource root as the loader and the formatter will see them,
+// and the catalog maps beside it. Every fault is a finding with its file and line; the command
+// itself fails only when the root cannot be read at all.
+
+#include "tool.hpp"
+
+#include <qvi18n/qvi18n.hpp>
+
+#include <expat.h>
+#include <unicode/messagepattern.h>
+#include <unicode/msgfmt.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace po = boost::program_options;
+namespace fi = fl::i18n;
+namespace fs = fl::filesystem;
+
+namespace qvtool {
+
+namespace {
+
+struct finding {
+    std::string file;
+    unsigned long line;
+    std::string kind;
+    std::string text;
+};
+
+typedef std::vector<finding> findings;
+
+// What a catalog file says, as far as the checks need it.
+struct catalog_file {
+    std::string path;
+    std::string locale;
+    std::string catalog; // "component:a:b"
+    bool readable = true;
+    // Key -> line of its first entry, and text as the loader decodes it.
+    std::map<std::string, unsigned long> lines;
+    std::map<std::string, icu::UnicodeString> texts;
+};
+
+bool is_directory(const std::string& path)
+{
+    try {
+        return fs::status(fs::upath(from_utf8(path))).type == fs::file_status::directory_file;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+// The names in `dir`, sorted, without "." and "..". Unreadable directories are findings.
+std::vector<std::string> list(const std::string& dir, findings& out)
+{
+    std::vector<std::string> names;
+    try {
+        for (fs::upath_directory_iterator it(from_utf8(dir)); it != fs::upath_directory_iterator(); ++it) {
+            const std::string name = utf8(it->filename());
+            if (name != "." && name != "..") {
+                names.push_back(name);
+            }
+        }
+    } catch (const std::exception& e) {
+        out.push_back({dir, 0, "unreadable", std::string("directory cannot be read (") + e.what() + ")"});
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool ends_with(const std::string& text, const std::string& tail)
+{
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+// The structure the loader accepts, element by element, with the line each entry starts on.
+struct structure_scan {
+    XML_Parser parser;
+    catalog_file* file;
+    findings* out;
+    std::vector<std::string> open;
+    std::map<std::string, unsigned long> seen;
+    std::vector<std::pair<std::string, unsigned long>> order;
+
+    void fault(const std::string& kind, const std::string& text)
+    {
+        out->push_back({file->path, XML_GetCurrentLineNumber(parser), kind, text});
+    }
+};
+
+void XMLCALL on_start(void* data, const XML_Char* name, const XML_Char** attributes)
+{
+    structure_scan& scan = *static_cast<structure_scan*>(data);
+    const std::string element = name;
+    const std::string parent = scan.open.empty() ? std::string() : scan.open.back();
+    scan.open.push_back(element);
+    const char* expected_parent = element == "rsccat" ? "" : element == "message" ? "rsccat" : element == "entry" ? "message" : nullptr;
+    if (expected_parent == nullptr || parent != expected_parent) {
+        scan.fault("format", "element <" + element + "> is not allowed " + (parent.empty() ? "as the root" : "inside <" + parent + ">"));
+        return;
+    }
+    if (element != "entry") {
+        return;
+    }
+    const char* key = nullptr;
+    for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
+        if (std::string(*a) == "key") {
+            key = a[1];
+        }
+    }
+    if (key == nullptr || *key == '\0') {
+        scan.fault("format", "entry without a key");
+        return;
+    }
+    const unsigned long line = XML_GetCurrentLineNumber(scan.parser);
+    if (!scan.seen.emplace(key, line).second) {
+        scan.fault("duplicate", "key \"" + std::string(key) + "\" already given on line " + std::to_string(scan.seen[key]));
+    }
+    scan.order.emplace_back(key, line);
+}
+
+void XMLCALL on_end(void* data, const XML_Char*)
+{
+    static_cast<structure_scan*>(data)->open.pop_back();
+}
+
+// Collects what the library's loader reads, in the order it reads it.
+class collecting_store : public fi::MessageCatalogDataStore {
+public:
+    void addEntry(const std::string& key, const std::string& value) override { entries.emplace_back(key, value); }
+    std::vector<std::pair<std::string, std::string>> entries;
+};
+
+void read_catalog(catalog_file& file, findings& out)
+{
+    std::ifstream in(file.path, std::ios::binary);
+    std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in.good() && !in.eof()) {
+        file.readable = false;
+        out.push_back({file.path, 0, "unreadable", "file cannot be read"});
+        return;
+    }
+    structure_scan scan;
+    scan.parser = XML_ParserCreate("UTF-8");
+    scan.file = &file;
+    scan.out = &out;
+    XML_SetUserData(scan.parser, &scan);
+    XML_SetElementHandler(scan.parser, on_start, on_end);
+    const std::size_t before = out.size();
+    if (XML_Parse(scan.parser, content.data(), static_cast<int>(content.size()), 1) == XML_STATUS_ERROR) {
+        out.push_back({file.path, XML_GetCurrentLineNumber(scan.parser), "xml",
+            std::string("not well-formed XML: ") + XML_ErrorString(XML_GetErrorCode(scan.parser))});
+    }
+    XML_ParserFree(scan.parser);
+
+    collecting_store store;
+    bool loaded = false;
+    try {
+        loaded = fi::XMLCatalogFileLoader().loadFile(fs::upath(from_utf8(file.path)), store);
+    } catch (const std::exception&) {
+        loaded = false;
+    }
+    if (!loaded && out.size() == before) {
+        out.push_back({file.path, 1, "format", "the catalog loader does not accept this file"});
+    }
+    if (!loaded) {
+        file.readable = false;
+        return;
+    }
+    // The loader reads entries in file order, as the scan does.
+    for (std::size_t i = 0; i < store.entries.size() && i < scan.order.size(); ++i) {
+        const std::string& key = store.entries[i].first;
+        if (file.lines.count(key) != 0) {
+            continue;
+        }
+        fi::XMLCatalogDataStore decoded;
+        decoded.addEntry(key, store.entries[i].second);
+        file.lines[key] = scan.order[i].second;
+        file.texts[key] = decoded.entries.begin()->second;
+    }
+}
+
+// The holes of a message text, as "{0}" "{name}"; false with a reason when ICU refuses the text.
+bool holes_of(const icu::UnicodeString& text, std::set<std::string>& holes, std::string& reason)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString quoted = icu::MessageFormat::autoQuoteApostrophe(text, status);
+    UParseError where;
+    icu::MessageFormat format(quoted, icu::Locale("en", "US", "POSIX"), where, status);
+    if (U_FAILURE(status)) {
+        reason = std::string(u_errorName(status)) + " at offset " + std::to_string(where.offset);
+        return false;
+    }
+    icu::MessagePattern pattern(quoted, nullptr, status);
+    for (int32_t i = 0; U_SUCCESS(status) && i < pattern.countParts(); ++i) {
+        const icu::MessagePattern::Part& part = pattern.getPart(i);
+        if (part.getType() == UMSGPAT_PART_TYPE_ARG_NUMBER) {
+            holes.insert("{" + std::to_string(part.getValue()) + "}");
+        } else if (part.getType() == UMSGPAT_PART_TYPE_ARG_NAME) {
+            std::string name;
+            pattern.getSubstring(part).toUTF8String(name);
+            holes.insert("{" + name + "}");
+        }
+    }
+    return true;
+}
+
+std::string join(const std::set<std::string>& items)
+{
+    std::string out;
+    for (const std::string& item : items) {
+        out += (out.empty() ? "" : " ") + item;
+    }
+    return out.empty() ? "none" : out;
+}
+
+void check_against_english(const catalog_file& file, const catalog_file* english, findings& out)
+{
+    for (const auto& entry : file.texts) {
+        const unsigned long line = file.lines.at(entry.first);
+        std::set<std::string> holes;
+        std::string reason;
+        if (!holes_of(entry.second, holes, reason)) {
+            out.push_back({file.path, line, "messageformat", "key \"" + entry.first + "\": not a valid message pattern (" + reason + ")"});
+            continue;
+        }
+        if (english == nullptr || english == &file || !english->readable) {
+            continue;
+        }
+        auto reference = english->texts.find(entry.first);
+        if (reference == english->texts.end()) {
+            out.push_back({file.path, line, "extra-key", "key \"" + entry.first + "\" is not in the \"en\" catalog"});
+            continue;
+        }
+        std::set<std::string> expected;
+        if (holes_of(reference->second, expected, reason) && expected != holes) {
+            out.push_back({file.path, line, "holes",
+                "key \"" + entry.first + "\" has holes " + join(holes) + " where \"en\" has " + join(expected)});
+        }
+    }
+}
+
+// The catalog identifiers the maps below `dir` name, and the maps' own faults.
+void read_maps(const std::string& dir, std::set<std::string>& named, bool& any, findings& out)
+{
+    for (const std::string& name : list(dir, out)) {
+        const std::string path = dir + "/" + name;
+        if (is_directory(path)) {
+            read_maps(path, named, any, out);
+            continue;
+        }
+        if (name != "catalog_map.xml") {
+            continue;
+        }
+        any = true;
+        std::ifstream in(path, std::ios::binary);
+        const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        struct map_scan {
+            XML_Parser parser;
+            std::set<std::string>* named;
+            findings* out;
+            std::string path;
+            int depth = 0;
+        } scan{XML_ParserCreate("UTF-8"), &named, &out, path};
+        XML_SetUserData(scan.parser, &scan);
+        XML_SetElementHandler(
+            scan.parser,
+            [](void* data, const XML_Char* element, const XML_Char** attributes) {
+                map_scan& s = *static_cast<map_scan*>(data);
+                const std::string e = element;
+                const bool fits = (s.depth == 0 && e == "MessageCatalogMap") || (s.depth == 1 && e == "entry");
+                ++s.depth;
+                if (!fits) {
+                    s.out->push_back({s.path, XML_GetCurrentLineNumber(s.parser), "map", "element <" + e + "> is not allowed here"});
+                    return;
+                }
+                for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
+                    if (e == "entry" && std::string(*a) == "key") {
+                        s.named->insert(a[1]);
+                    }
+                }
+            },
+            [](void* data, const XML_Char*) { --static_cast<map_scan*>(data)->depth; });
+        if (XML_Parse(scan.parser, content.data(), static_cast<int>(content.size()), 1) == XML_STATUS_ERROR) {
+            out.push_back({path, XML_GetCurrentLineNumber(scan.parser), "map",
+                std::string("not well-formed XML: ") + XML_ErrorString(XML_GetErrorCode(scan.parser))});
+        }
+        XML_ParserFree(scan.parser);
+    }
+}
+
+void collect_files(const std::string& dir, const std::string& catalog, const std::string& locale,
+    std::vector<catalog_file>& files, findings& out)
+{
+    for (const std::string& name : list(dir, out)) {
+        const std::string path = dir + "/" + name;
+        if (is_directory(path)) {
+            collect_files(path, catalog + ":" + name, locale, files, out);
+        } else if (ends_with(name, ".xml")) {
+            catalog_file file;
+            file.path = path;
+            file.locale = locale;
+            file.catalog = catalog + ":" + name.substr(0, name.size() - 4);
+            files.push_back(file);
+        }
+    }
+}
+
+} // namespace
+
+int run_check(const arguments& args)
+{
+    po::options_description options("options");
+    options.add_options()("json", "print the findings as one JSON object")(
+        "no-maps", "do not look at the catalog maps")("root", po::value<std::string>()->required(),
+        "the resource root: the directory that holds resources/");
+    po::positional_options_description positional;
+    positional.add("root", 1);
+    po::variables_map values;
+    const int parsed = parse_arguments("check", "[--json] [--no-maps] ROOT", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    start_up();
+    std::string root = values["root"].as<std::string>();
+    while (root.size() > 1 && root.back() == '/') {
+        root.pop_back();
+    }
+    const std::string resources = root + "/resources";
+    if (!is_directory(resources)) {
+        return report_failure("check", "\"" + resources + "\" is not a directory");
+    }
+
+    findings out;
+    std::vector<catalog_file> files;
+    std::vector<std::string> components = list(resources, out);
+    for (const std::string& component : components) {
+        const std::string dir = resources + "/" + component;
+        if (!is_directory(dir)) {
+            continue;
+        }
+        for (const std::string& locale : list(dir, out)) {
+            if (is_directory(dir + "/" + locale)) {
+                collect_files(dir + "/" + locale, component, locale, files, out);
+            }
+        }
+    }
+    for (catalog_file& file : files) {
+        read_catalog(file, out);
+    }
+    std::map<std::string, const catalog_file*> english;
+    for (const catalog_file& file : files) {
+        if (file.locale == "en") {
+            english[file.catalog] = &file;
+        }
+    }
+    for (const catalog_file& file : files) {
+        if (!file.readable) {
+            continue;
+        }
+        auto reference = english.find(file.catalog);
+        if (reference == english.end()) {
+            out.push_back({file.path, 1, "no-english", "catalog \"" + file.catalog + "\" has no \"en\" file"});
+        }
+        check_against_english(file, reference == english.end() ? nullptr : reference->second, out);
+    }
+
+    if (values.count("no-maps") == 0) {
+        const std::string base = root + "/derived/share/resources";
+        for (const std::string& component : components) {
+            if (!is_directory(resources + "/" + component)) {
+                continue;
+            }
+            std::set<std::string> expected;
+            for (const catalog_file& file : files) {
+                if (file.catalog.compare(0, component.size() + 1, component + ":") == 0) {
+                    expected.insert(file.catalog);
+                }
+            }
+            std::set<std::string> named;
+            bool any = false;
+            const std::string dir = base + "/" + component;
+            if (is_directory(dir)) {
+                read_maps(dir, named, any, out);
+            }
+            if (!any) {
+                out.push_back({dir + "/catalog_map.xml", 0, "map", "no catalog map for component \"" + component + "\""});
+                continue;
+            }
+            for (const std::string& id : expected) {
+                if (named.count(id) == 0) {
+                    out.push_back({dir, 0, "map", "the maps do not name catalog \"" + id + "\""});
+                }
+            }
+            for (const std::string& id : named) {
+                if (expected.count(id) == 0) {
+                    out.push_back({dir, 0, "map", "the maps name catalog \"" + id + "\", which has no file"});
+                }
+            }
+        }
+    }
+
+    std::stable_sort(out.begin(), out.end(), [](const finding& a, const finding& b) {
+        return a.file != b.file ? a.file < b.file : a.line < b.line;
+    });
+    if (values.count("json") != 0) {
+        std::cout << "{\"findings\": [";
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            std::cout << (i ? ",\n  " : "\n  ") << "{\"file\": " << json_quote(out[i].file) << ", \"line\": " << out[i].line
+                      << ", \"kind\": " << json_quote(out[i].kind) << ", \"message\": " << json_quote(out[i].text) << "}";
+        }
+        std::cout << (out.empty() ? "" : "\n") << "]}\n";
+    } else {
+        for (const finding& f : out) {
+            std::cout << f.file << ":" << f.line << ": " << f.kind << ": " << f.text << "\n";
+        }
+    }
+    return out.empty() ? exit_ok : exit_finding;
+}
+
+} // namespace qvtool

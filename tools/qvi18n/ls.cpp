@@ -1,0 +1,53 @@
+// qvi18n ls: one directory's names through the library's iterator, with the wildcard rules of
+// the directory's volume.
+
+#include "tool.hpp"
+
+#include <qvi18n/qvi18n.hpp>
+
+#include <algorithm>
+#include <iostream>
+
+namespace po = boost::program_options;
+namespace fs = fl::filesystem;
+
+namespace qvtool {
+
+int run_ls(const arguments& args)
+{
+    po::options_description options("options");
+    options.add_options()("pattern,p", po::value<std::string>(), "only names matching this wildcard (\"*\" only)")(
+        "all,a", "include \".\" and \"..\"")("dir", po::value<std::string>()->required(), "the directory");
+    po::positional_options_description positional;
+    positional.add("dir", 1);
+    po::variables_map values;
+    const int parsed = parse_arguments("ls", "[--pattern P] [--all] DIR", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    start_up();
+    const fl::i18n::ustring dir = from_utf8(values["dir"].as<std::string>());
+    // Names are collected first so that a failure half-way leaves no partial listing behind.
+    std::vector<std::string> names;
+    fs::upath_directory_iterator it;
+    if (values.count("pattern") != 0) {
+        it = fs::upath_directory_iterator(dir, fs::filename_pattern_context(from_utf8(values["pattern"].as<std::string>())));
+    } else {
+        it = fs::upath_directory_iterator(dir);
+    }
+    const bool all = values.count("all") != 0;
+    for (; it != fs::upath_directory_iterator(); ++it) {
+        const std::string name = utf8(it->filename());
+        if (!all && (name == "." || name == "..")) {
+            continue;
+        }
+        names.push_back(name + (it->target_type() == fs::file_status::directory_file ? "/" : ""));
+    }
+    std::sort(names.begin(), names.end());
+    for (const std::string& name : names) {
+        std::cout << name << "\n";
+    }
+    return exit_ok;
+}
+
+} // namespace qvtool

@@ -1,0 +1,109 @@
+// qvi18n message and qvi18n complete: look-ups in the catalogs, as a program would make them.
+
+#include "tool.hpp"
+
+#include <qvi18n/qvi18n.hpp>
+
+#include <cerrno>
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+
+namespace po = boost::program_options;
+namespace fi = fl::i18n;
+
+namespace qvtool {
+
+namespace {
+
+// A hole written as a whole decimal number is a number, anything else is text.
+fi::hole_value hole_from_argument(const std::string& text)
+{
+    if (!text.empty()) {
+        char* end = nullptr;
+        errno = 0;
+        const long long number = std::strtoll(text.c_str(), &end, 10);
+        if (errno == 0 && end != nullptr && *end == '\0') {
+            return number;
+        }
+    }
+    return from_utf8(text);
+}
+
+} // namespace
+
+int run_message(const arguments& args)
+{
+    po::options_description options("options");
+    options.add_options()("locale,l", po::value<std::string>(), "the locale (default: the global locale)")(
+        "explain", "say why this text is the one found")("id", po::value<std::string>()->required(),
+        "the message identifier, \"catalog:key\"")("hole", po::value<std::vector<std::string>>(),
+        "the holes' values in order; whole numbers are numbers");
+    po::positional_options_description positional;
+    positional.add("id", 1).add("hole", -1);
+    po::variables_map values;
+    const int parsed
+        = parse_arguments("message", "ID [--locale L] [--explain] [HOLE...]", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    if (values.count("explain") != 0) {
+        return report_failure("message", "--explain is not available in this build of the library");
+    }
+    start_up();
+    boost::shared_ptr<const fi::QvLocale> locale = values.count("locale") != 0
+        ? fi::QvLocale::createLocale(values["locale"].as<std::string>())
+        : fi::QvLocale::createLocale(fi::QvLocale::global());
+    const fi::MessageID id(values["id"].as<std::string>());
+    fi::hole_values holes;
+    if (values.count("hole") != 0) {
+        for (const std::string& hole : values["hole"].as<std::vector<std::string>>()) {
+            holes.push_back(hole_from_argument(hole));
+        }
+    }
+    // Formatted through the checking formatter: a wrong number of holes is an error here.
+    const fi::ustring pattern = fi::MessageCatalog::GetMessageCatalog(fi::CatalogID(id.getCatalogID()), *locale)
+                                    ->get_message_for_key(id.getMsgKey());
+    std::cout << utf8(fi::MessageCatalog::GetFormattedMessage(pattern, holes)) << "\n";
+    return exit_ok;
+}
+
+int run_complete(const arguments& args)
+{
+    po::options_description options("options");
+    options.add_options()("prefix", po::value<std::string>()->default_value(""), "the identifier typed so far");
+    po::positional_options_description positional;
+    positional.add("prefix", 1);
+    po::variables_map values;
+    const int parsed = parse_arguments("complete", "PREFIX", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    start_up();
+    const std::string prefix = values["prefix"].as<std::string>();
+    const fi::MessageIdCompletions found = fi::getMessageIdCompletions(from_utf8(prefix));
+    // Whole identifiers, so that a shell can offer them as they stand.
+    std::vector<std::string> lines;
+    for (const fi::ustring& completion : found.completions) {
+        lines.push_back(prefix.substr(0, static_cast<std::size_t>(found.offset)) + utf8(completion));
+    }
+    std::sort(lines.begin(), lines.end());
+    for (const std::string& line : lines) {
+        std::cout << line << "\n";
+    }
+    return exit_ok;
+}
+
+int run_convert(const arguments& args)
+{
+    (void)args;
+    return report_failure("convert", "not available: this build of the library has no stream converters");
+}
+
+int run_map(const arguments& args)
+{
+    (void)args;
+    return report_failure("map", "not available: this build of the library has no catalog map generator");
+}
+
+} // namespace qvtool
