@@ -245,53 +245,26 @@ void check_against_english(const catalog_file& file, const catalog_file* english
     }
 }
 
-// The catalog identifiers the maps below `dir` name, and the maps' own faults.
-void read_maps(const std::string& dir, std::set<std::string>& named, bool& any, findings& out)
+// A map that is missing or differs from what the writer makes of the catalogs found now; the
+// line is the first that differs.
+void check_map(const fs::upath& resources, const std::string& component, findings& out)
 {
-    for (const std::string& name : list(dir, out)) {
-        const std::string path = dir + "/" + name;
-        if (is_directory(path)) {
-            read_maps(path, named, any, out);
-            continue;
-        }
-        if (name != "catalog_map.xml") {
-            continue;
-        }
-        any = true;
-        std::ifstream in(path, std::ios::binary);
-        const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-        struct map_scan {
-            XML_Parser parser;
-            std::set<std::string>* named;
-            findings* out;
-            std::string path;
-            int depth = 0;
-        } scan{XML_ParserCreate("UTF-8"), &named, &out, path};
-        XML_SetUserData(scan.parser, &scan);
-        XML_SetElementHandler(
-            scan.parser,
-            [](void* data, const XML_Char* element, const XML_Char** attributes) {
-                map_scan& s = *static_cast<map_scan*>(data);
-                const std::string e = element;
-                const bool fits = (s.depth == 0 && e == "MessageCatalogMap") || (s.depth == 1 && e == "entry");
-                ++s.depth;
-                if (!fits) {
-                    s.out->push_back({s.path, XML_GetCurrentLineNumber(s.parser), "map", "element <" + e + "> is not allowed here"});
-                    return;
-                }
-                for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
-                    if (e == "entry" && std::string(*a) == "key") {
-                        s.named->insert(a[1]);
-                    }
-                }
-            },
-            [](void* data, const XML_Char*) { --static_cast<map_scan*>(data)->depth; });
-        if (XML_Parse(scan.parser, content.data(), static_cast<int>(content.size()), 1) == XML_STATUS_ERROR) {
-            out.push_back({path, XML_GetCurrentLineNumber(scan.parser), "map",
-                std::string("not well-formed XML: ") + XML_ErrorString(XML_GetErrorCode(scan.parser))});
-        }
-        XML_ParserFree(scan.parser);
+    const std::string path = utf8(fi::catalog_map_path(resources, component).get_path_name());
+    const std::string expected = fi::make_catalog_map(fi::list_component_catalogs(resources, component));
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        out.push_back({path, 0, "map", "no catalog map for component \"" + component + "\" (qvi18n map writes it)"});
+        return;
     }
+    const std::string found((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (found == expected) {
+        return;
+    }
+    const std::size_t at = static_cast<std::size_t>(
+        std::mismatch(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(std::min(found.size(), expected.size())),
+            expected.begin()).first - found.begin());
+    const unsigned long line = 1 + static_cast<unsigned long>(std::count(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+    out.push_back({path, line, "map", "the catalog map is out of date (qvi18n map rewrites it)"});
 }
 
 void collect_files(const std::string& dir, const std::string& catalog, const std::string& locale,
@@ -318,7 +291,7 @@ int run_check(const arguments& args)
     po::options_description options("options");
     options.add_options()("json", "print the findings as one JSON object")(
         "no-maps", "do not look at the catalog maps")("root", po::value<std::string>()->required(),
-        "the resource root: the directory that holds resources/");
+        "the resource root: the directory that holds resources/, or resources/ itself");
     po::positional_options_description positional;
     positional.add("root", 1);
     po::variables_map values;
@@ -331,10 +304,11 @@ int run_check(const arguments& args)
     while (root.size() > 1 && root.back() == '/') {
         root.pop_back();
     }
-    const std::string resources = root + "/resources";
-    if (!is_directory(resources)) {
-        return report_failure("check", "\"" + resources + "\" is not a directory");
+    // ROOT may name the resource directory itself, as the map writer allows.
+    if (!is_directory(root)) {
+        return report_failure("check", "\"" + root + "\" is not a directory");
     }
+    const std::string resources = utf8(fi::catalog_resource_directory(fs::upath(from_utf8(root))).get_path_name());
 
     findings out;
     std::vector<catalog_file> files;
@@ -371,37 +345,9 @@ int run_check(const arguments& args)
     }
 
     if (values.count("no-maps") == 0) {
-        const std::string base = root + "/derived/share/resources";
-        for (const std::string& component : components) {
-            if (!is_directory(resources + "/" + component)) {
-                continue;
-            }
-            std::set<std::string> expected;
-            for (const catalog_file& file : files) {
-                if (file.catalog.compare(0, component.size() + 1, component + ":") == 0) {
-                    expected.insert(file.catalog);
-                }
-            }
-            std::set<std::string> named;
-            bool any = false;
-            const std::string dir = base + "/" + component;
-            if (is_directory(dir)) {
-                read_maps(dir, named, any, out);
-            }
-            if (!any) {
-                out.push_back({dir + "/catalog_map.xml", 0, "map", "no catalog map for component \"" + component + "\""});
-                continue;
-            }
-            for (const std::string& id : expected) {
-                if (named.count(id) == 0) {
-                    out.push_back({dir, 0, "map", "the maps do not name catalog \"" + id + "\""});
-                }
-            }
-            for (const std::string& id : named) {
-                if (expected.count(id) == 0) {
-                    out.push_back({dir, 0, "map", "the maps name catalog \"" + id + "\", which has no file"});
-                }
-            }
+        const fs::upath resource_dir(from_utf8(resources));
+        for (const std::string& component : fi::list_catalog_components(resource_dir)) {
+            check_map(resource_dir, component, out);
         }
     }
 

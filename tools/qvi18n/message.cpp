@@ -102,8 +102,21 @@ int run_convert(const arguments& args)
 
 int run_map(const arguments& args)
 {
-    (void)args;
-    return report_failure("map", "not available: this build of the library has no catalog map generator");
+    po::options_description options("options");
+    options.add_options()("root", po::value<std::string>()->required(),
+        "the resource root: the directory that holds resources/, or resources/ itself");
+    po::positional_options_description positional;
+    positional.add("root", 1);
+    po::variables_map values;
+    const int parsed = parse_arguments("map", "ROOT", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    start_up();
+    for (const fl::filesystem::upath& map : fi::write_catalog_maps(fl::filesystem::upath(from_utf8(values["root"].as<std::string>())))) {
+        std::cout << utf8(map.get_path_name()) << "\n";
+    }
+    return exit_ok;
 }
 
 } // namespace qvtool
