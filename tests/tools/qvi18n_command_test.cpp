@@ -133,6 +133,51 @@ TEST_F(QvI18nCommand, BadInputIsAFailureInTheUsersLanguage)
     EXPECT_NE(holes.err, "");
     EXPECT_EQ(run("message not-an-identifier").status, 2);
     EXPECT_EQ(run("message fl:filesystem:NoSuchKey").status, 2);
+
+    const outcome encoding = run("convert --from UTF-8 --to NO-SUCH-ENCODING", "C.UTF-8", "text");
+    EXPECT_EQ(encoding.status, 2);
+    EXPECT_EQ(encoding.out, "");
+    EXPECT_NE(encoding.err.find("NO-SUCH-ENCODING"), std::string::npos) << encoding.err;
+    const outcome binary = run("convert --from UTF-8 --to UTF-16LE --strict", "C.UTF-8", std::string("ab\xff\x00", 4));
+    EXPECT_EQ(binary.status, 2);
+    EXPECT_NE(binary.err, "");
+}
+
+TEST_F(QvI18nCommand, ConvertStreamsThroughAnyBufferBoundary)
+{
+    // Long enough that characters straddle the command's buffers.
+    std::string text;
+    for (int i = 0; i < 40000; ++i) {
+        text += "a\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80";
+    }
+    const outcome wide = run("convert --from UTF-8 --to UTF-16LE", "C.UTF-8", text);
+    EXPECT_EQ(wide.status, 0);
+    ASSERT_EQ(wide.out.size(), 40000u * 10);
+    EXPECT_EQ(wide.out.substr(0, 10), std::string("a\0\xe9\0\xac\x20\x3d\xd8\x00\xde", 10));
+
+    const outcome back = run("convert -f UTF-16LE -t UTF-8 ", "C.UTF-8", wide.out);
+    EXPECT_TRUE(back.out == text);
+
+    // Without --strict an invalid byte is substituted and the rest goes through.
+    const outcome lenient = run("convert --from UTF-8 --to ISO-8859-1", "C.UTF-8", "x\xffy\xc3\xa9");
+    EXPECT_EQ(lenient.status, 0);
+    EXPECT_EQ(lenient.out.front(), 'x');
+    EXPECT_EQ(lenient.out.substr(lenient.out.size() - 2), "y\xe9");
+}
+
+TEST_F(QvI18nCommand, ExplainAgreesWithTheMessage)
+{
+    const outcome told = run("message --explain --locale de_AT fl:filesystem:PathNotFound");
+    EXPECT_EQ(told.status, 0);
+    const std::string root = std::string(QVI18N_TEST_BUILD_ROOT) + "/resources";
+    EXPECT_NE(told.out.find("  de_AT " + root + "/fl/de_AT/filesystem.xml (missing)\n"), std::string::npos) << told.out;
+    EXPECT_NE(told.out.find("* de " + root + "/fl/de/filesystem.xml\n"), std::string::npos) << told.out;
+    EXPECT_NE(told.out.find("text: " + run("message --locale de_AT fl:filesystem:PathNotFound").out), std::string::npos)
+        << told.out;
+
+    const outcome missing = run("message --explain fl:filesystem:NoSuchKey");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.out.find("key found: no\n"), std::string::npos) << missing.out;
 }
 
 TEST_F(QvI18nCommand, SubcommandsPrintWhatTheLibraryAnswers)

@@ -30,6 +30,39 @@ fi::hole_value hole_from_argument(const std::string& text)
     return from_utf8(text);
 }
 
+// Prints the look-up step by step; the status says whether it gave a text.
+int explain(const fi::MessageLookupExplanation& told)
+{
+    static const char* const sources[] = {"no catalog", "cache hit", "cache hit of a fall-back", "loaded from file"};
+    std::cout << "catalog: " << told.catalog << "\nkey: " << told.key << "\nlocale: " << told.requested_locale
+              << "\nfall-backs:";
+    for (const std::string& locale : told.fallback_locales) {
+        std::cout << " " << (locale.empty() ? "\"\"" : locale);
+    }
+    std::cout << "\nroots:\n";
+    for (const fl::filesystem::upath& root : told.roots) {
+        std::cout << "  " << utf8(root.get_path_name()) << "\n";
+    }
+    std::cout << "candidates:\n";
+    for (std::size_t i = 0; i < told.candidates.size(); ++i) {
+        const fi::MessageLookupCandidate& c = told.candidates[i];
+        std::cout << (static_cast<int>(i) == told.chosen_index ? "* " : "  ") << c.locale << " "
+                  << utf8(c.path.get_path_name()) << (c.exists ? "" : " (missing)") << "\n";
+    }
+    std::cout << "source: " << sources[told.source];
+    if (!told.cache_key.empty()) {
+        std::cout << " (cache key " << told.cache_key << ")";
+    }
+    std::cout << "\nchosen: " << (told.chosen.get_path_name().empty() ? std::string("-") : utf8(told.chosen.get_path_name()));
+    std::cout << "\nkey found: " << (told.key_found ? "yes" : "no") << "\n";
+    if (told.succeeded()) {
+        std::cout << "text: " << utf8(told.text) << "\n";
+        return exit_ok;
+    }
+    std::cout << "failure: " << told.error_text << "\n";
+    return exit_finding;
+}
+
 } // namespace
 
 int run_message(const arguments& args)
@@ -47,9 +80,6 @@ int run_message(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    if (values.count("explain") != 0) {
-        return report_failure("message", "--explain is not available in this build of the library");
-    }
     start_up();
     boost::shared_ptr<const fi::QvLocale> locale = values.count("locale") != 0
         ? fi::QvLocale::createLocale(values["locale"].as<std::string>())
@@ -60,6 +90,9 @@ int run_message(const arguments& args)
         for (const std::string& hole : values["hole"].as<std::vector<std::string>>()) {
             holes.push_back(hole_from_argument(hole));
         }
+    }
+    if (values.count("explain") != 0) {
+        return explain(fi::explainMessageLookup(resource_core::BaseMsgID(id.getCatalogID(), id.getMsgKey(), holes), *locale));
     }
     // Formatted through the checking formatter: a wrong number of holes is an error here.
     const fi::ustring pattern = fi::MessageCatalog::GetMessageCatalog(fi::CatalogID(id.getCatalogID()), *locale)
@@ -92,12 +125,6 @@ int run_complete(const arguments& args)
         std::cout << line << "\n";
     }
     return exit_ok;
-}
-
-int run_convert(const arguments& args)
-{
-    (void)args;
-    return report_failure("convert", "not available: this build of the library has no stream converters");
 }
 
 int run_map(const arguments& args)

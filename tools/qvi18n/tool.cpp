@@ -102,7 +102,14 @@ int report_failure(const std::string& command, const std::exception& failure)
         }
     }
     std::string text = id.compare(0, 3, "fl:") == 0 ? catalog_text(id, holes) : std::string();
-    return report_failure(command, text.empty() ? std::string(failure.what()) : text);
+    if (text.empty()) {
+        text = failure.what();
+    }
+    const fi::CvtInvalidEncodingName* name = dynamic_cast<const fi::CvtInvalidEncodingName*>(&failure);
+    if (name != nullptr && !name->get_encoding_name().empty()) {
+        text += " (" + name->get_encoding_name() + ")";
+    }
+    return report_failure(command, text);
 }
 
 int parse_arguments(const std::string& command, const std::string& synopsis, const arguments& args,

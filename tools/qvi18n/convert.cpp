@@ -1,0 +1,102 @@
+// qvi18n convert: standard input to standard output through the library's stream converters,
+// in fixed buffers whatever the size of the input.
+
+#include "tool.hpp"
+
+#include <qvi18n/qvi18n.hpp>
+
+#include <cerrno>
+#include <memory>
+#include <unistd.h>
+
+namespace po = boost::program_options;
+namespace fi = fl::i18n;
+
+namespace qvtool {
+
+namespace {
+
+const std::size_t buffer_units = 1 << 16;
+
+bool write_all(const char* data, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t n = ::write(STDOUT_FILENO, data, size);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return false;
+        }
+        data += n;
+        size -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+} // namespace
+
+int run_convert(const arguments& args)
+{
+    po::options_description options("options");
+    options.add_options()("from,f", po::value<std::string>()->required(), "the encoding of the input")(
+        "to,t", po::value<std::string>()->required(), "the encoding of the output")(
+        "strict", "fail on a byte sequence or character the encodings cannot carry (default: substitute)");
+    po::positional_options_description positional;
+    po::variables_map values;
+    const int parsed = parse_arguments("convert", "--from ENC --to ENC [--strict]", args, options, positional, values);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    start_up();
+    const bool substitute = values.count("strict") == 0;
+    // Both ends are opened before anything is read: an unknown name fails with no output.
+    // The stream converters do not name the encoding they refuse; the report does.
+    std::unique_ptr<fi::stream_codecvt_string_to_ustring> decoder_owner;
+    std::unique_ptr<fi::stream_codecvt_ustring_to_string> encoder_owner;
+    const std::string* opening = &values["from"].as<std::string>();
+    try {
+        decoder_owner.reset(new fi::stream_codecvt_string_to_ustring(*opening, substitute));
+        opening = &values["to"].as<std::string>();
+        encoder_owner.reset(new fi::stream_codecvt_ustring_to_string(*opening, substitute));
+    } catch (const fi::CvtInvalidEncodingName& e) {
+        return report_failure("convert", std::string(e.what()) + " (" + *opening + ")");
+    }
+    const fi::stream_codecvt_string_to_ustring& decoder = *decoder_owner;
+    const fi::stream_codecvt_ustring_to_string& encoder = *encoder_owner;
+
+    std::vector<char> input(buffer_units);
+    std::vector<char16_t> middle(buffer_units);
+    std::vector<char> output(buffer_units * 4);
+    for (;;) {
+        ssize_t read = ::read(STDIN_FILENO, input.data(), input.size());
+        if (read < 0 && errno == EINTR) {
+            continue;
+        }
+        if (read < 0) {
+            return report_failure("convert", "standard input cannot be read");
+        }
+        const bool end = read == 0;
+        const char* source = input.data();
+        const char* source_limit = source + read;
+        int decoding;
+        do {
+            char16_t* wide = middle.data();
+            decoding = decoder.convert(&wide, middle.data() + middle.size(), &source, source_limit, end);
+            const char16_t* pending = middle.data();
+            int encoding;
+            do {
+                char* bytes = output.data();
+                encoding = encoder.convert(&bytes, output.data() + output.size(), &pending, wide, end && decoding == 0);
+                if (!write_all(output.data(), static_cast<std::size_t>(bytes - output.data()))) {
+                    return report_failure("convert", "standard output cannot be written");
+                }
+            } while (encoding == 1);
+        } while (decoding == 1);
+        if (end) {
+            return exit_ok;
+        }
+    }
+}
+
+} // namespace qvtool
