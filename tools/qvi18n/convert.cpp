@@ -60,7 +60,10 @@ int run_convert(const arguments& args)
         opening = &values["to"].as<std::string>();
         encoder_owner.reset(new fi::stream_codecvt_ustring_to_string(*opening, substitute));
     } catch (const fi::CvtInvalidEncodingName& e) {
-        return report_failure("convert", std::string(e.what()) + " (" + *opening + ")");
+        if (!e.get_encoding_name().empty()) {
+            throw;
+        }
+        return report_failure("convert", fi::CvtInvalidEncodingName(*opening));
     }
     const fi::stream_codecvt_string_to_ustring& decoder = *decoder_owner;
     const fi::stream_codecvt_ustring_to_string& encoder = *encoder_owner;

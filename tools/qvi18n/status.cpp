@@ -66,6 +66,7 @@ int run_status(const arguments& args)
         {"status", std::to_string(fi::QvLcUtil::getLcStatus())},
         {"status_message", fi::QvLcUtil::getInitStatusMsg()},
         {"exception", failure != nullptr ? failure->get_identifier() : std::string()},
+        {"exception_text", failure != nullptr ? utf8(fi::describe_failure(*failure, global)) : std::string()},
         {"localisation", fi::get_l10n_resource_status() ? "on" : "off"},
         {"system_locale", fi::QvLocale::system().shortName(fi::QvLocale::LcCtype)},
         {"install_path", root},

@@ -65,23 +65,6 @@ void start_up()
     }
 }
 
-namespace {
-
-// The sentence the library's catalogs hold for a failure whose identifier is `id`, in the
-// global locale; empty when there is none.
-std::string catalog_text(const std::string& id, const fi::hole_values& holes)
-{
-    try {
-        fi::MessageID message(id);
-        resource_core::BaseMsgID record(message.getCatalogID(), message.getMsgKey(), holes);
-        return utf8(fi::MessageCatalog::get_message(record, fi::QvLocale::global()));
-    } catch (const std::exception&) {
-        return std::string();
-    }
-}
-
-} // namespace
-
 int report_failure(const std::string& command, const std::string& text)
 {
     std::cerr << "qvi18n " << command << ": " << text << std::endl;
@@ -90,26 +73,7 @@ int report_failure(const std::string& command, const std::string& text)
 
 int report_failure(const std::string& command, const std::exception& failure)
 {
-    std::string id = failure.what();
-    fi::hole_values holes;
-    if (const fi::QvLcMgmtExceptionBase* locale = dynamic_cast<const fi::QvLcMgmtExceptionBase*>(&failure)) {
-        id = locale->get_identifier();
-    } else if (const fl::filesystem::FsysExceptionBase* fs
-        = dynamic_cast<const fl::filesystem::FsysExceptionBase*>(&failure)) {
-        if (fs->get_error_number() != 0) {
-            holes.push_back(fs->get_path());
-            holes.push_back(static_cast<long long>(fs->get_error_number()));
-        }
-    }
-    std::string text = id.compare(0, 3, "fl:") == 0 ? catalog_text(id, holes) : std::string();
-    if (text.empty()) {
-        text = failure.what();
-    }
-    const fi::CvtInvalidEncodingName* name = dynamic_cast<const fi::CvtInvalidEncodingName*>(&failure);
-    if (name != nullptr && !name->get_encoding_name().empty()) {
-        text += " (" + name->get_encoding_name() + ")";
-    }
-    return report_failure(command, text);
+    return report_failure(command, utf8(fi::describe_failure(failure, fi::QvLocale::global())));
 }
 
 int parse_arguments(const std::string& command, const std::string& synopsis, const arguments& args,
