@@ -9,16 +9,22 @@ _qvi18n()
     fi
     case ${COMP_WORDS[1]} in
     message | complete)
-        if ((COMP_CWORD == 2)); then
-            # Identifiers hold ":", which bash splits words at by default.
-            local word=$cur
-            if [[ $COMP_LINE =~ [[:space:]]([^[:space:]]*)$ ]]; then word=${BASH_REMATCH[1]}; fi
+        # Identifiers hold ":", which bash splits words at by default: count words by white space.
+        local line=${COMP_LINE:0:COMP_POINT} word=""
+        local -a typed
+        read -r -a typed <<<"$line"
+        local done=${#typed[@]}
+        if [[ $line =~ [^[:space:]]$ ]]; then
+            word=${typed[-1]}
+            done=$((done - 1))
+        fi
+        if ((done == 2)); then
             mapfile -t COMPREPLY < <("${COMP_WORDS[0]}" complete "$word" 2>/dev/null)
             if [[ $COMP_WORDBREAKS == *:* && $word == *:* ]]; then
                 local strip=${word%"${word##*:}"}
                 COMPREPLY=("${COMPREPLY[@]#"$strip"}")
             fi
-            [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *: ]] && compopt -o nospace
+            [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *: ]] && compopt -o nospace 2>/dev/null
         fi
         ;;
     ls | map | check)
