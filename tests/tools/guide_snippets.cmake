@@ -1,6 +1,7 @@
 # Extracts every ```cpp block of the guide and compiles and links each one as a program against
 # the build tree, so that the guide's examples cannot fall behind the library.
-# -D: GUIDE, OUT, CXX, INCLUDE, LIBDIR, and LIBS (a ;-list of further libraries).
+# -D: GUIDE, OUT, CXX, INCLUDE, LIBDIR, LIBS (a ;-list of further libraries) and FLAGS (a ;-list of
+# compiler flags).
 file(READ ${GUIDE} text)
 # Semicolons would split the list of blocks; they travel as a control character.
 string(ASCII 1 semicolon)
@@ -19,7 +20,7 @@ foreach(block IN LISTS blocks)
   string(REPLACE "${semicolon}" ";" code "${code}")
   file(WRITE ${OUT}/snippet_${index}.cpp "${code}")
   execute_process(
-    COMMAND ${CXX} -std=c++17 -Wall -Werror -I${INCLUDE} ${OUT}/snippet_${index}.cpp -o ${OUT}/snippet_${index}
+    COMMAND ${CXX} -std=c++17 -Wall -Werror ${FLAGS} -I${INCLUDE} ${OUT}/snippet_${index}.cpp -o ${OUT}/snippet_${index}
       -L${LIBDIR} -Wl,-rpath,${LIBDIR} -lqvi18n ${LIBS}
     RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out)
   if(NOT status EQUAL 0)

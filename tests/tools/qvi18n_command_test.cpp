@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <sys/wait.h>
 
@@ -29,8 +30,14 @@ protected:
             = std::string(QVI18N_TEST_BUILD_ROOT) + "/bin/" + fl::i18n::platform_tag() + "/qvi18n";
         const std::string err = home / "stderr";
         const std::string in = home.write_file("stdin", input);
+        std::string sanitizers;
+        for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+            if (const char* value = std::getenv(name)) {
+                sanitizers += std::string(" ") + name + "='" + value + "'";
+            }
+        }
         const std::string command = "env -i HOME=" + home.path() + " XDG_CONFIG_HOME=" + home.path()
-            + " LANG=" + lang + " " + tool + " " + args + " <" + in + " 2>" + err;
+            + " LANG=" + lang + sanitizers + " " + tool + " " + args + " <" + in + " 2>" + err;
         outcome result{-1, std::string(), std::string()};
         FILE* pipe = ::popen(command.c_str(), "r");
         char buffer[4096];
