@@ -228,9 +228,14 @@ void upath_directory_iterator_impl::fill_entry(const directory_entry_context* co
 
 // ---------------------------------------------------------------------------------------------
 
+pattern_string_context::pattern_string_context()
+    : file_name()
+    , pattern()
+{ }
+
 pattern_string_context::pattern_string_context(const ustring& file_name, const ustring& pattern)
-    : file_name_(file_name)
-    , pattern_(pattern)
+    : file_name(file_name)
+    , pattern(pattern)
 { }
 
 pattern_string_context::~pattern_string_context() = default;

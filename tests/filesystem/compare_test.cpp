@@ -62,6 +62,8 @@ TEST(Compare, ByModeMapsTheModeOntoTheMask)
     EXPECT_EQ(-1, by(3, u"", u"/a"));
     EXPECT_EQ(1, by(3, u"/a", u""));
     EXPECT_EQ(0, by(8, u"", u""));
+    // Literals pick the text form rather than being ambiguous between text and path.
+    EXPECT_EQ(0, fs::compare(u"/A", u"/a", character_handling_mode_context(1)));
 }
 
 TEST(Compare, ByTheVolumeOfTheFirstPath)

@@ -1,3 +1,4 @@
+#include <qvi18n/filesystem/detail/pattern.hpp>
 #include <qvi18n/filesystem/directory_iterator.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 
@@ -146,6 +147,16 @@ TEST(DirectoryIterator, EmptyDirectoryEndAndSharedCopies)
     ++b;
     ++a; // the end stays the end
     EXPECT_TRUE(a == end && b == end);
+}
+
+TEST(DirectoryIterator, PostIncrementHandsBackTheNameItLeaves)
+{
+    qvtest::scoped_temp_dir const dir;
+    std::vector<ustring> names;
+    for (upath_directory_iterator it(u(dir.path())); it != upath_directory_iterator();)
+        names.push_back((*it++).filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ((std::vector<ustring>{u".", u".."}), names);
 }
 
 TEST(DirectoryIterator, EntryAnswersFromTheRecordAndTheDisk)
@@ -309,6 +320,20 @@ TEST(WildcardCaseInsensitive, MatchesAsTheVolumeComparesNames)
         GTEST_SKIP() << "no case-insensitive volume can be mounted here (needs CAP_SYS_ADMIN and a "
                         "kernel whose tmpfs folds case)";
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST_F(Wildcard, ADerivedContextMayFillTheFieldsItself)
+{
+    struct filled : fs::pattern_string_context {
+        filled()
+        {
+            file_name = u"*.TXT";
+            pattern = fs::detail::generate_pattern_from_filename(file_name, fs::zorbel_pattern_string_generator());
+        }
+    };
+    EXPECT_EQ((std::vector<ustring>{u"A.TXT", u"b.TXT"}), names_of(upath_directory_iterator(u(dir.path()), filled())));
+    // A literal directory picks the text form.
+    EXPECT_THROW(upath_directory_iterator(u"/nonexistent-qv/d", filled()), fs::PathNotFound);
 }
 
 TEST_F(Wildcard, NoMatchEndsAtTheFirstIncrement)

@@ -29,6 +29,10 @@ inline int compare(const char16_t* a, const char16_t* b)
 QVI18N_API int compare(
     const fl::i18n::ustring& a, const fl::i18n::ustring& b, const fl::i18n::character_handling_mode_context& mode);
 QVI18N_API int compare(const upath& a, const upath& b, const fl::i18n::character_handling_mode_context& mode);
+inline int compare(const char16_t* a, const char16_t* b, const fl::i18n::character_handling_mode_context& mode)
+{
+    return compare(fl::i18n::ustring(a ? a : u""), fl::i18n::ustring(b ? b : u""), mode);
+}
 
 // Compares by the small mask; any mask above 3 is InvalidArgument.
 QVI18N_API int compare_with_mask(const fl::i18n::ustring& a, const fl::i18n::ustring& b, unsigned int mask);

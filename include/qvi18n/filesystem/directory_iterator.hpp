@@ -39,20 +39,22 @@ class directory_entry_context;
 
 } // namespace detail
 
-// A wildcard name and the regular expression made of it.
+// A wildcard name and the regular expression made of it. A derived class may give both to the
+// constructor or fill the fields in its own.
 class QVI18N_API pattern_string_context {
 public:
     virtual ~pattern_string_context() = 0;
 
-    const fl::i18n::ustring& get_file_name() const { return file_name_; }
-    const fl::i18n::ustring& get_pattern() const { return pattern_; }
+    const fl::i18n::ustring& get_file_name() const { return file_name; }
+    const fl::i18n::ustring& get_pattern() const { return pattern; }
+
+    // The name a caller gave, and its regular-expression form.
+    fl::i18n::ustring file_name;
+    fl::i18n::ustring pattern;
 
 protected:
+    pattern_string_context();
     pattern_string_context(const fl::i18n::ustring& file_name, const fl::i18n::ustring& pattern);
-
-private:
-    fl::i18n::ustring file_name_;
-    fl::i18n::ustring pattern_;
 };
 
 // A file-name wildcard in which "*" is the only wildcard: "*.xml", "a*b". "." and ".." match
@@ -164,6 +166,12 @@ public:
     {
         open(detail::make_native_form(directory, true), pattern, tolerate_bad_pattern);
     }
+    basic_directory_iterator(
+        const char16_t* directory, const pattern_string_context& pattern, bool tolerate_bad_pattern = false)
+    {
+        open(detail::make_native_form(fl::i18n::ustring(directory ? directory : u""), true), pattern,
+            tolerate_bad_pattern);
+    }
 
     // Dereferencing the end is InvalidOperation.
     reference operator*() const
@@ -186,6 +194,27 @@ public:
     {
         increment();
         return *this;
+    }
+    // Copies share one position and one record, so what `it++` hands back is the entry before
+    // the move, copied out: `*it++` reads the name it was on.
+    class postincrement_proxy {
+    public:
+        explicit postincrement_proxy(const basic_directory_iterator& from)
+        {
+            if (from.impl_)
+                entry_.get_attribute_context() = from.impl_->get_entry().get_attribute_context();
+        }
+        const Entry& operator*() const { return entry_; }
+        const Entry* operator->() const { return &entry_; }
+
+    private:
+        Entry entry_;
+    };
+    postincrement_proxy operator++(int)
+    {
+        postincrement_proxy previous(*this);
+        increment();
+        return previous;
     }
 
     bool operator==(const basic_directory_iterator& other) const { return impl_ == other.impl_; }
