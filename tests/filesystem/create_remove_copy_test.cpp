@@ -245,7 +245,12 @@ TEST_F(Copy, CopyFileKeepsContentAndMode)
     EXPECT_THROW(fs::copy_file(u(source), u(existing)), fs::FileExistsError);
     // Values that are neither option mean "fail if it exists".
     EXPECT_THROW(fs::copy_file(u(source), u(existing), static_cast<fs::copy_option>(2)), fs::FileExistsError);
+    EXPECT_THROW(fs::copy_file(u(source), u(existing), 7), fs::FileExistsError);
+    EXPECT_THROW(fs::copy_file(u(source), u(existing), -1), fs::FileExistsError);
     EXPECT_EQ("old content", qvtest::read_file(existing));
+    fs::copy_file(u(source), u(dir / "numbered"), 0);
+    fs::copy_file(u(existing), u(dir / "numbered"), 1);
+    EXPECT_EQ("old content", qvtest::read_file(dir / "numbered"));
 
     fs::copy_file(upath(u(source)), upath(u(existing)), fs::overwrite_if_exists);
     EXPECT_EQ("new content", qvtest::read_file(existing));

@@ -191,7 +191,8 @@ inline void remove_all(const char16_t* p)
     remove_all(fl::i18n::ustring(p ? p : u""));
 }
 
-enum copy_option { fail_if_exists = 0, overwrite_if_exists = 1 };
+// Every value is a valid copy_option: copy_file reads any but the two named as fail_if_exists.
+enum copy_option : unsigned int { fail_if_exists = 0, overwrite_if_exists = 1 };
 
 // Copies one file, link or directory (without its contents). An existing destination fails.
 QVI18N_API void copy(const upath& from, const upath& to);
@@ -211,6 +212,19 @@ QVI18N_API void copy_file(
 inline void copy_file(const char16_t* from, const char16_t* to, copy_option option = fail_if_exists)
 {
     copy_file(fl::i18n::ustring(from ? from : u""), fl::i18n::ustring(to ? to : u""), option);
+}
+// The option as a plain number, 0 or 1 as above.
+inline void copy_file(const upath& from, const upath& to, int option)
+{
+    copy_file(from, to, static_cast<copy_option>(static_cast<unsigned int>(option)));
+}
+inline void copy_file(const fl::i18n::ustring& from, const fl::i18n::ustring& to, int option)
+{
+    copy_file(from, to, static_cast<copy_option>(static_cast<unsigned int>(option)));
+}
+inline void copy_file(const char16_t* from, const char16_t* to, int option)
+{
+    copy_file(from, to, static_cast<copy_option>(static_cast<unsigned int>(option)));
 }
 
 // Makes to a directory with the permissions of the directory from; nothing inside is copied.
