@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <boost/exception_ptr.hpp>
 
 #include <atomic>
 #include <string>
@@ -323,20 +322,6 @@ TEST(CatalogConcurrency, ReadersSeeRightTextsWhileAnotherThreadFlushesAndReloads
     }
     EXPECT_EQ(wrong.load(), 0);
     EXPECT_GT(reads.load(), 0);
-}
-
-TEST(CatalogExceptions, CrossThreadsThroughExceptionPointers)
-{
-    boost::exception_ptr carried;
-    std::thread([&] {
-        try {
-            MessageCatalog::GetMessageCatalog(CatalogID("a:b"), test_locale("en"));
-        } catch (...) {
-            carried = boost::current_exception();
-        }
-    }).join();
-    ASSERT_TRUE(carried);
-    EXPECT_THROW(boost::rethrow_exception(carried), MessageCatalog::MessageCatalogNotInitialized);
 }
 
 namespace {

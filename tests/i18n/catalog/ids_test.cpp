@@ -3,7 +3,6 @@
 #include <qvi18n/i18n/catalog/message_id.hpp>
 #include <qvi18n/resource_core/resource_core.hpp>
 
-#include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -66,20 +65,6 @@ TEST(CatalogIDTest, MalformedIdentifiersThrowAndSettersLeaveTheObjectAlone)
     // The empty text is refused even where it equals what is stored.
     CatalogID empty;
     EXPECT_THROW(empty.setCatalogID(""), CatalogID::badCatalogIDException);
-}
-
-TEST(CatalogIDTest, ExceptionTextAndCrossThreadForm)
-{
-    try {
-        CatalogID id("bad");
-        FAIL() << "no exception";
-    } catch (const CatalogID::badCatalogIDException& e) {
-        EXPECT_STREQ("Bad Catalog ID", e.what());
-        EXPECT_STREQ("Bad Catalog ID", CatalogID::badCatException_);
-        // Thrown so that an exception_ptr can carry the exact class to another thread.
-        boost::exception_ptr carried = boost::current_exception();
-        EXPECT_THROW(boost::rethrow_exception(carried), CatalogID::badCatalogIDException);
-    }
 }
 
 TEST(MessageIDTest, SplitsAtTheLastColon)

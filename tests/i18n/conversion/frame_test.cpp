@@ -3,7 +3,6 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
 
-#include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -16,12 +15,6 @@ namespace {
 ustring u16(const char* ascii)
 {
     return ustring(ascii, ascii + std::strlen(ascii));
-}
-
-template <typename E> void expect_code_and_text(const E& e, int code, const char* text)
-{
-    EXPECT_EQ(e.get_code(), code);
-    EXPECT_STREQ(e.what(), text);
 }
 
 // A converter that records how often it is called, to see which entry points reach it.
@@ -41,35 +34,6 @@ public:
 };
 
 } // namespace
-
-TEST(CvtExceptions, CodesAndTextsSurviveAnExceptionPtr)
-{
-    expect_code_and_text(CvtInvalidArgument(), 1, "fl:i18n:CvtInvalidArgument");
-    expect_code_and_text(CvtInvalidEncodingName("x"), 2, "Invalid encoding name specified.");
-    expect_code_and_text(CvtCallBackSettingFailure(), 3, "fl:i18n:CvtCallBackSettingFailure");
-    expect_code_and_text(CvtNonSupportedMode(), 4, "fl:i18n:CvtNonSupportedMode");
-    expect_code_and_text(CvtInvalidCharacter(), 5, "Invalid character code sequence detected.");
-    expect_code_and_text(CvtSizeTooLarge(), 6, "Data size too large for character code conversion.");
-    expect_code_and_text(CvtConversionFailure(), 7, "Failed to convert character code.");
-
-    // A failure raised on one thread is rethrown on another with its class and name intact.
-    boost::exception_ptr carried;
-    std::thread([&] {
-        try {
-            codecvt_string_to_ustring cvt("no-such-encoding-xyz", true);
-        } catch (...) {
-            carried = boost::current_exception();
-        }
-    }).join();
-    ASSERT_TRUE(carried);
-    try {
-        boost::rethrow_exception(carried);
-        FAIL() << "nothing rethrown";
-    } catch (const CvtInvalidEncodingName& e) {
-        EXPECT_EQ(e.get_encoding_name(), "no-such-encoding-xyz");
-        EXPECT_EQ(e.get_code(), 2);
-    }
-}
 
 TEST(NumCast, BoundsOfEachInstantiation)
 {
