@@ -97,7 +97,7 @@ namespace {
 
 void get_system_locales(LcData const& data, locale_context& context)
 {
-    context.user_locale = platform::get_user_locale();
+    context.user_locale = platform::get_user_locale(data);
     context.preferred_language = platform::get_preferred_language(data);
     context.app_language = platform::get_app_language();
     get_xpg_locales(context);

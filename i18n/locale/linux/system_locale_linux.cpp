@@ -68,6 +68,11 @@ std::string without_codeset(std::string const& name, bool keep_c_utf8)
     return base + modifier;
 }
 
+bool is_c_locale(std::string const& name)
+{
+    return name == "C" || name == "POSIX" || name == "C.UTF-8";
+}
+
 bool is_list_name(std::string const& line)
 {
     if (line.empty() || line.size() > max_list_name) {
@@ -194,6 +199,17 @@ std::string get_user_locale()
     return without_codeset(found, true);
 }
 
+std::string get_user_locale(LcData const& data)
+{
+    std::string found = get_user_locale();
+    // A database may spell the C locale only by its canonical name, or lack C.UTF-8: the C locale is
+    // still no failure.
+    if (is_c_locale(found) && data.getLcName(found).empty()) {
+        return LcData::get_posix_locale_short();
+    }
+    return found;
+}
+
 std::string get_preferred_language(LcData const& data)
 {
     std::string messages = first_set({"LC_ALL", "LC_MESSAGES", "LANG"});
@@ -224,6 +240,10 @@ std::string get_preferred_language(LcData const& data)
     std::string::size_type at = own.find('@');
     if (at != std::string::npos && data.getLcName(own).empty() && !data.getLcName(own.substr(0, at)).empty()) {
         own.erase(at);
+    }
+    // The C locale in another codeset speaks English, whether or not the database lists "C".
+    if (is_c_locale(own) && data.getLcName(own).empty()) {
+        return LcData::get_default_locale_short();
     }
     return own;
 }

@@ -114,6 +114,19 @@ TEST_F(SystemLocale, GarbageSettingsGiveNamesTheDatabaseRefuses)
     EXPECT_EQ("en_US", context.category_name[lm::env_lc_messages].first);
 }
 
+// A small database may list the C locale only as "en_US_POSIX", and have no C.UTF-8.
+TEST_F(SystemLocale, TheCLocaleIsNoFailureWhateverTheDatabaseCallsIt)
+{
+    data_.addLcName("en_US", "UTF-8", "en_US.UTF-8");
+    for (char const* lang : {"", "C", "POSIX", "C.UTF-8", "POSIX.utf8"}) {
+        ::setenv("LANG", lang, 1);
+        lm::osx::locale_context context;
+        EXPECT_TRUE(lm::osx::get_sysdep_locales(data_, context)) << lang;
+        EXPECT_EQ("en_US_POSIX", context.category_name[lm::env_lc_ctype].first) << lang;
+        EXPECT_EQ("en_US", context.category_name[lm::env_lc_messages].first) << lang;
+    }
+}
+
 TEST_F(SystemLocale, ModifierThatOnlyResolvesWithoutItIsKeptWithItsAt)
 {
     ::setenv("LANG", "de_DE.UTF-8@foo", 1);

@@ -23,10 +23,14 @@ QVI18N_API extern char const* const DEFAULT_ENCODING;
 /// ("de_DE.UTF-8@euro" gives "de_DE@euro"); "C" when none is set. C or POSIX in UTF-8 gives "C.UTF-8",
 /// the database's name of that locale.
 QVI18N_API std::string get_user_locale();
+/// get_user_locale(), with the C locale that `data` does not list under that spelling given as
+/// "en_US_POSIX": a process in the C locale starts without a warning whatever the database calls it.
+QVI18N_API std::string get_user_locale(LcData const& data);
 
 /// The first language of the user's list. "en_US" when the messages locale (LC_ALL, LC_MESSAGES, LANG)
 /// is unset, "C" or "POSIX"; otherwise the first entry of LANGUAGE that `data` resolves, else the
-/// messages locale itself, codeset removed (and a modifier the database does not know).
+/// messages locale itself, codeset removed (and a modifier the database does not know; the C locale the
+/// database does not list gives "en_US").
 QVI18N_API std::string get_preferred_language(LcData const& data);
 
 /// ${XDG_CONFIG_HOME:-$HOME/.config}/qvi18n/<program>/languages; empty when neither is set or the

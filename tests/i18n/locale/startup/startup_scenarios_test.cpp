@@ -82,6 +82,22 @@ TEST_F(Startup, NothingSetIsTheCLocaleWithoutWarning)
     EXPECT_EQ("C", c_locale(LC_ALL));
 }
 
+// The usual container setting with a caller's own database that knows the C locale only by its name.
+TEST_F(Startup, CUtf8WithADatabaseWithoutItStartsWithoutWarning)
+{
+    ::setenv("LANG", "C.UTF-8", 1);
+    ::setenv("QVLOCALE_LCDATA_PATH", home_.path().c_str(), 1);
+    home_.write_file("lcdata.xml",
+        "<lcdata>\n<locale name=\"en_US_POSIX\" encoding=\"US-ASCII\" xpg_name=\"C\"/>\n"
+        "<locale name=\"en_US\" encoding=\"UTF-8\" xpg_name=\"en_US.UTF-8\"/>\n"
+        "<codeset><encoding name=\"US-ASCII\"/><encoding name=\"UTF-8\"/></codeset>\n</lcdata>\n");
+    start();
+    EXPECT_EQ(0, status());
+    EXPECT_EQ("", QvLcUtil::getInitWarningMsg());
+    EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
+        names(QvLocale::global()));
+}
+
 TEST_F(Startup, LanguageListDecidesMessages)
 {
     ::setenv("LANG", "fr_CA.UTF-8", 1);
