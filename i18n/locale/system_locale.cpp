@@ -298,6 +298,47 @@ system_setting_context extract_system_setting_from_locale_context(locale_context
 
 } // namespace osx
 
+namespace darwin {
+
+char const* const DEFAULT_ENCODING = "UTF-8";
+
+std::string get_user_locale()
+{
+    return platform::get_user_locale();
+}
+
+void change_app_lang_setting(osx::locale_context const& context)
+{
+    platform::change_app_lang_setting(context);
+}
+
+void reference_close::operator()(void const* array) const
+{
+    delete static_cast<std::vector<std::string> const*>(array);
+}
+
+void create_array(std::unique_ptr<void const, reference_close>& out, std::vector<std::string> const& names)
+{
+    out.reset();
+    if (names.empty()) {
+        return;
+    }
+    std::unique_ptr<std::vector<std::string>> array(new std::vector<std::string>());
+    for (std::string const& name : names) {
+        // A name that can't be stored is skipped; the others keep their order.
+        bool storable = true;
+        for (char c : name) {
+            storable = storable && c >= 0x20 && c <= 0x7E;
+        }
+        if (storable) {
+            array->push_back(name);
+        }
+    }
+    out.reset(array.release());
+}
+
+} // namespace darwin
+
 locale_initialization_context::locale_initialization_context(
     LcData const& data, QvLocaleImpl& locale, LcStatusCtx& status, osx::locale_context& context)
     : data_(data)

@@ -175,6 +175,24 @@ TEST_F(SystemLocale, ApplicationListEndsInEnglishAndIsLeftAloneWhenRight)
     EXPECT_TRUE(lm::osx::wanted_app_languages(context).empty());
 }
 
+TEST_F(SystemLocale, PlatformNamesStandOnTheLinuxOperations)
+{
+    EXPECT_STREQ("UTF-8", lm::darwin::DEFAULT_ENCODING);
+    ::setenv("LANG", "de_DE.UTF-8@euro", 1);
+    EXPECT_EQ("de_DE@euro", lm::darwin::get_user_locale());
+
+    std::unique_ptr<void const, lm::darwin::reference_close> array;
+    lm::darwin::create_array(array, {});
+    EXPECT_EQ(nullptr, array);
+    lm::darwin::create_array(array, {"d\xc3\xa9", "fr"});
+    EXPECT_NE(nullptr, array);
+
+    lm::osx::locale_context context;
+    context.preferred_language = "ja";
+    lm::darwin::change_app_lang_setting(context);
+    EXPECT_EQ("ja\nen\n", qvtest::read_file(list_file()));
+}
+
 TEST_F(SystemLocale, ApplicationListFileIsReadLeniently)
 {
     EXPECT_EQ(list_file(), lx::get_app_language_file());

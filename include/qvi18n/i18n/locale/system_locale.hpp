@@ -5,6 +5,7 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,9 +54,6 @@ struct QVI18N_API locale_context {
     std::string xpg_differs[locale_category_count];
     std::string l10n_control; ///< QVLOCALE_L10N_CONTROL, lower-cased
     bool db_l10n = false;
-    /// Locale variables outside the six categories (LC_PAPER, ...), name and value as found; they
-    /// are left alone unless the C library cannot load them.
-    std::vector<std::pair<std::string, std::string>> extra_env;
 
     // What was decided.
     std::pair<std::string, std::string> category_name[locale_category_count]; ///< name, modifier
@@ -66,6 +64,10 @@ struct QVI18N_API locale_context {
     std::string set_differs[locale_category_count];
     std::string set_value[locale_env_count]; ///< what goes into the environment; LC_ALL stays empty
     bool messages_l10n = true;
+
+    /// Locale variables outside the six categories (LC_PAPER, ...), name and value as found; they
+    /// are left alone unless the C library cannot load them.
+    std::vector<std::pair<std::string, std::string>> extra_env;
 };
 
 /// The built-in decision (en_US_POSIX, "C"), with what the system says recorded all the same.
@@ -88,6 +90,29 @@ QVI18N_API bool set_default_xpg_locale(locale_context& context, unsigned long ca
 QVI18N_API std::vector<std::string> wanted_app_languages(locale_context const& context);
 
 } // namespace osx
+
+/// The names the platform-free logic and its callers know the platform's services by; on this system
+/// they stand on the operations of system_locale_linux.hpp.
+namespace darwin {
+
+/// The terminal encoding of last resort, "UTF-8".
+QVI18N_API extern char const* const DEFAULT_ENCODING;
+
+/// The user's locale identifier.
+QVI18N_API std::string get_user_locale();
+/// Stores the application's language list that `context` calls for, unless the list starts right
+/// already.
+QVI18N_API void change_app_lang_setting(osx::locale_context const& context);
+
+/// Frees what create_array made.
+struct QVI18N_API reference_close {
+    void operator()(void const* array) const;
+};
+/// A language list ready to be stored: the names, in order, less those that are not printable ASCII.
+/// `out` is left unset for an empty list.
+QVI18N_API void create_array(std::unique_ptr<void const, reference_close>& out, std::vector<std::string> const& names);
+
+} // namespace darwin
 
 /// One C-library category as the user had it before start-up.
 struct QVI18N_API locale_category_context {
