@@ -17,6 +17,18 @@ namespace {
 using fl::i18n::ustring;
 namespace lcctype = fl::i18n::lcctype;
 
+bool has_lone_surrogate(const ustring& text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
+            ++i;
+        else if (unit >= 0xD800 && unit <= 0xDFFF)
+            return true;
+    }
+    return false;
+}
+
 void check_compare(const ustring& a, const ustring& b)
 {
     const std::int32_t al = static_cast<std::int32_t>(a.size());
@@ -28,8 +40,12 @@ void check_compare(const ustring& a, const ustring& b)
         == u_strCaseCompare(a.data(), al, b.data(), bl, 0, &status));
     qvfuzz::check(lcctype::compare(a.data(), a.size(), b.data(), b.size(), fl::i18n::normalized_case_sensitive())
         == unorm_compare(a.data(), al, b.data(), bl, 0, &status));
-    qvfuzz::check(lcctype::compare(a.data(), a.size(), b.data(), b.size(), fl::i18n::normalized_case_insensitive())
-        == unorm_compare(a.data(), al, b.data(), bl, U_COMPARE_IGNORE_CASE, &status));
+    // ICU 72's case-folding canonical comparison reads uninitialised memory of its own when a lone
+    // lead surrogate meets a character with a special folding (valgrind shows it on ICU alone), so
+    // its value is not repeatable there: compare the two only on text without lone surrogates.
+    if (!has_lone_surrogate(a) && !has_lone_surrogate(b))
+        qvfuzz::check(lcctype::compare(a.data(), a.size(), b.data(), b.size(), fl::i18n::normalized_case_insensitive())
+            == unorm_compare(a.data(), al, b.data(), bl, U_COMPARE_IGNORE_CASE, &status));
     qvfuzz::check(U_SUCCESS(status));
 }
 

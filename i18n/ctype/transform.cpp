@@ -183,6 +183,19 @@ int decomposed_compare(const char16_t* left, std::int32_t left_count, const char
     return a.length == b.length ? 0 : (a.length < b.length ? -1 : 1);
 }
 
+bool well_paired(const char16_t* text, std::int32_t count)
+{
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!U16_IS_SURROGATE(text[i]))
+            continue;
+        if (U16_IS_SURROGATE_LEAD(text[i]) && i + 1 < count && U16_IS_TRAIL(text[i + 1]))
+            ++i;
+        else
+            return false;
+    }
+    return true;
+}
+
 int normalized_compare(const char16_t* left, unsigned long left_length, const char16_t* right,
     unsigned long right_length, std::uint32_t options)
 {
@@ -203,7 +216,9 @@ int normalized_compare(const char16_t* left, unsigned long left_length, const ch
         right += skip;
         left_count -= skip;
         right_count -= skip;
-        if (options == 0)
+        // ICU matches a lone lead surrogate against the lead of a pair before it decomposes the
+        // pair, which whole-text decomposition cannot reproduce: such text goes to ICU.
+        if (options == 0 && well_paired(left, left_count) && well_paired(right, right_count))
             return decomposed_compare(left, left_count, right, right_count);
     }
     UErrorCode status = U_ZERO_ERROR;

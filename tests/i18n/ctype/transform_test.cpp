@@ -203,6 +203,25 @@ TEST(CtypeCompare, EveryModeAnswersExactlyWhatIcuAnswers)
     }
 }
 
+TEST(CtypeCompare, LoneLeadAgainstADecomposingPairAnswersAsIcu)
+{
+    // ICU matches the lone lead with the lead of U+2F8FF before it decomposes the pair (to U+6D16),
+    // so decomposing both texts whole would answer with the opposite sign.
+    const ustring pairs[][2] = {{u"\uFF01\xD87E", u"\uFF01\U0002F8FF\xDCFF"}, {u"\xD87E", u"\U0002F8FF"},
+        {u"x\xD87E\u00E9", u"x\U0002F8FFe\u0301"}};
+    for (const auto& p : pairs) {
+        SCOPED_TRACE(hex_dump(p[0]) + " | " + hex_dump(p[1]));
+        for (int swap = 0; swap < 2; ++swap) {
+            const ustring& a = p[swap];
+            const ustring& b = p[1 - swap];
+            UErrorCode status = U_ZERO_ERROR;
+            EXPECT_EQ(lcctype::compare(a.data(), a.size(), b.data(), b.size(), normalized_case_sensitive()),
+                unorm_compare(a.data(), static_cast<std::int32_t>(a.size()), b.data(),
+                    static_cast<std::int32_t>(b.size()), 0, &status));
+        }
+    }
+}
+
 TEST(CtypeCompare, RefusalsKeptOnEveryPath)
 {
     const ustring a = u"abc";
