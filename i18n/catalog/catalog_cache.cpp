@@ -1,4 +1,5 @@
 #include "i18n/catalog/catalog_cache.hpp"
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <qvi18n/filesystem/file_status.hpp>
 #include <qvi18n/filesystem/operations.hpp>
@@ -397,12 +398,7 @@ ustring MessageCatalogUtility::obtainXMLFilePathPattern(const std::string& catal
     pattern.append(catalog, begin, std::string::npos);
     pattern += ".xml";
 
-    ustring result;
-    result.reserve(pattern.size());
-    for (char c : pattern) {
-        result.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
-    }
-    return result;
+    return detail::widen_ascii(pattern);
 }
 
 } // namespace i18n

@@ -1,4 +1,5 @@
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
+#include <qvi18n/resource_core/resource_core.hpp>
 
 #include <boost/exception/exception.hpp>
 
@@ -100,8 +101,8 @@ namespace resource_core {
 
 std::string makeExternalCatalogName(const std::string& internal_name)
 {
-    static const std::string reserved_segment = ":legacy_two_part";
-    static const std::string reserved_component = "ZORBEL";
+    static const std::string reserved_segment = legacyTwoPartSegment;
+    static const std::string reserved_component = legacyTwoPartComponent;
     std::string::size_type at = internal_name.find(reserved_segment);
     if (at == std::string::npos || internal_name.compare(0, at, reserved_component) != 0) {
         return internal_name;

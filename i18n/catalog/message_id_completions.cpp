@@ -6,6 +6,8 @@
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
 #include <qvi18n/i18n/catalog/catalog_map.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 #include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
 #include <qvi18n/i18n/ctype/transform.hpp>
@@ -32,11 +34,6 @@ upath map_tree(const upath& root)
     upath base(root);
     base /= detail::catalog_map_base();
     return base;
-}
-
-char16_t ascii_lower(char16_t c)
-{
-    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
 }
 
 // True when the first `wanted.size()` units of `text` equal `wanted`, ignoring case.
@@ -145,7 +142,7 @@ void add_keys(const ustring& catalog_part, const ustring& key_part, std::vector<
             if (std::all_of(narrow.begin(), narrow.begin() + n, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
                 bool equal = n == key_part.size();
                 for (std::size_t i = 0; equal && i < n; ++i) {
-                    equal = ascii_lower(static_cast<char16_t>(narrow[i])) == ascii_lower(key_part[i]);
+                    equal = detail::ascii_lower(static_cast<char16_t>(narrow[i])) == detail::ascii_lower(key_part[i]);
                 }
                 if (!equal) {
                     continue;

@@ -3,6 +3,8 @@
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
 
+#include <qvi18n/i18n/locale/ascii_text.hpp>
+
 namespace fl {
 namespace i18n {
 
@@ -11,16 +13,6 @@ namespace {
 typedef fl::filesystem::upath upath;
 
 const char16_t default_placeholder[] = u"%S";
-
-ustring widen(const std::string& s)
-{
-    ustring out;
-    out.reserve(s.size());
-    for (char c : s) {
-        out.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
-    }
-    return out;
-}
 
 std::string narrow(const ustring& s)
 {
@@ -32,18 +24,11 @@ std::string narrow(const ustring& s)
     return out;
 }
 
-// The classic locale's language, worked out once per process.
-const ustring& default_language()
-{
-    static const ustring name = widen(QvLocale::classic().language(QvLocale::LcMessages));
-    return name;
-}
-
 std::vector<ustring> build_chain(const QvLocale& locale, bool use_default_locale)
 {
     std::vector<ustring> chain;
-    make_locale_fallback_list(chain, widen(locale.shortName(QvLocale::LcMessages)),
-        use_default_locale ? default_language() : ustring());
+    make_locale_fallback_list(chain, detail::widen_ascii(locale.shortName(QvLocale::LcMessages)),
+        use_default_locale ? detail::classic_messages_language() : ustring());
     return chain;
 }
 

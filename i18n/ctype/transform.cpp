@@ -2,6 +2,7 @@
 #include <qvi18n/i18n/ustring.hpp>
 
 #include "i18n/ctype/ctype_throw.hpp"
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <boost/function.hpp>
 #include <boost/noncopyable.hpp>
@@ -81,11 +82,6 @@ std::int32_t normalize_to(const UNormalizer2* (*instance)(UErrorCode*), UChar* d
     return unorm2_normalize(normalizer, source, length, destination, capacity, status);
 }
 
-inline char16_t fold_ascii(char16_t c)
-{
-    return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 0x20) : c;
-}
-
 inline int compare_status(std::int32_t result, UErrorCode status)
 {
     if (U_FAILURE(status))
@@ -109,8 +105,8 @@ bool ascii_prefix(const char16_t* left, std::int32_t left_length, const char16_t
             break;
         if (a != b) {
             if (Fold) {
-                a = fold_ascii(a);
-                b = fold_ascii(b);
+                a = fl::i18n::detail::ascii_lower(a);
+                b = fl::i18n::detail::ascii_lower(b);
                 if (a == b)
                     continue;
             }

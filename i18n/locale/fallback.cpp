@@ -1,6 +1,8 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
+#include <qvi18n/i18n/locale/ascii_text.hpp>
+
 namespace fl {
 namespace i18n {
 
@@ -20,24 +22,13 @@ void append_fallbacks(std::vector<String>& list, String const& name, String cons
     }
 }
 
-// Locale names are ASCII, so each byte becomes one unit.
-ustring widen(std::string const& text)
-{
-    ustring wide;
-    wide.reserve(text.size());
-    for (char c : text) {
-        wide.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
-    }
-    return wide;
-}
+} // namespace
 
-ustring const& classic_language()
+ustring const& detail::classic_messages_language()
 {
-    static ustring const language = widen(QvLocale::classic().language(QvLocale::LcMessages));
+    static ustring const language = detail::widen_ascii(QvLocale::classic().language(QvLocale::LcMessages));
     return language;
 }
-
-} // namespace
 
 void make_locale_fallback_list(
     std::vector<std::string>& list, std::string const& name, std::string const& default_name)
@@ -59,13 +50,13 @@ void make_locale_fallback_list(
 void make_locale_fallback_list(
     std::vector<ustring>& list, QvLocale const& locale, ustring const& default_name)
 {
-    append_fallbacks(list, widen(locale.shortName(QvLocale::LcMessages)), default_name);
+    append_fallbacks(list, detail::widen_ascii(locale.shortName(QvLocale::LcMessages)), default_name);
 }
 
 std::vector<ustring> get_fallback_locales(QvLocale const& locale)
 {
     std::vector<ustring> list;
-    make_locale_fallback_list(list, locale, classic_language());
+    make_locale_fallback_list(list, locale, detail::classic_messages_language());
     return list;
 }
 

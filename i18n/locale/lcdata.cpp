@@ -1,6 +1,6 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 
-#include "i18n/locale/ascii_fold.hpp"
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <boost/make_shared.hpp>
 

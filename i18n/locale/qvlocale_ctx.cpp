@@ -1,6 +1,6 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
-#include "i18n/locale/ascii_fold.hpp"
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <boost/exception/exception.hpp>
 

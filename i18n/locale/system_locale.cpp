@@ -3,7 +3,7 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/system_locale_linux.hpp>
 
-#include "i18n/locale/ascii_fold.hpp"
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <unicode/ucnv.h>
 

@@ -5,18 +5,19 @@
 // message of such a catalog with the values for its holes. libqvi18n reads these records by
 // their fields; they carry no behaviour beyond construction.
 
-#include <qvi18n/config.hpp>
-#include <qvi18n/i18n/ustring.hpp>
-
 #include <boost/variant.hpp>
 
 #include <string>
 #include <vector>
 
+#ifndef QVRESOURCE_CORE_API
+#define QVRESOURCE_CORE_API __attribute__((visibility("default")))
+#endif
+
 namespace resource_core {
 
 // One value for a hole of a message: a number, narrow text or UTF-16 text.
-typedef boost::variant<long long, std::string, fl::i18n::ustring> HoleValue;
+typedef boost::variant<long long, std::string, std::u16string> HoleValue;
 typedef std::vector<HoleValue> HoleValues;
 
 // A catalog, by its internal name ("fl:i18n", "ZORBEL:legacy_two_part").
