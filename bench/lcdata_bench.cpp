@@ -2,6 +2,7 @@
 // same bytes in one call, with no handlers.
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <benchmark/benchmark.h>
 

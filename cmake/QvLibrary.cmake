@@ -152,6 +152,27 @@ if(QVI18N_ALL_SOURCES OR QVI18N_ALL_PUBLIC_HEADERS)
     "${QVI18N_ALL_SOURCES} ${QVI18N_ALL_PUBLIC_HEADERS}")
 endif()
 
+# Every public header is reached from one of the two umbrella headers: the public API from
+# qvi18n.hpp, the rest from qvi18n_internals.hpp.
+set(QVI18N_UMBRELLA_TEXT)
+foreach(umbrella IN LISTS QVI18N_UMBRELLA_HEADERS)
+  if(EXISTS ${QVI18N_PUBLIC_ROOT}/${umbrella})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QVI18N_PUBLIC_ROOT}/${umbrella})
+    file(READ ${QVI18N_PUBLIC_ROOT}/${umbrella} text)
+    string(APPEND QVI18N_UMBRELLA_TEXT "${text}")
+  endif()
+endforeach()
+foreach(area IN LISTS QVI18N_AREAS)
+  foreach(header IN LISTS QVI18N_PUBLIC_HEADERS_${area})
+    file(RELATIVE_PATH rel ${PROJECT_SOURCE_DIR}/include ${header})
+    string(FIND "${QVI18N_UMBRELLA_TEXT}" "#include <${rel}>" at)
+    if(at EQUAL -1)
+      message(FATAL_ERROR "qvi18n: include <${rel}> from include/qvi18n/qvi18n.hpp if it is "
+        "public API a caller uses, else from include/qvi18n/qvi18n_internals.hpp")
+    endif()
+  endforeach()
+endforeach()
+
 # The staged include directories, remade at every configure so that nothing stale stays.
 foreach(area IN LISTS QVI18N_AREAS)
   set(stage ${QVI18N_FLOORS_DIR}/${area}/include)

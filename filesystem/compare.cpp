@@ -5,6 +5,7 @@
 #include <qvi18n/filesystem/exceptions.hpp>
 
 #include "filesystem/volume_mask.hpp"
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>

@@ -1,4 +1,5 @@
 #include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <cerrno>
 #include <new>

@@ -4,6 +4,9 @@
 #include <qvi18n/filesystem/exceptions.hpp>
 
 #include "filesystem/posix/operations_posix_impl.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
+#include <qvi18n/filesystem/posix/operations.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/system/error_code.hpp>

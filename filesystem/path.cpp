@@ -3,6 +3,7 @@
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 namespace fl {
 namespace filesystem {

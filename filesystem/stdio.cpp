@@ -3,6 +3,7 @@
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <cerrno>
 

@@ -3,6 +3,7 @@
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/path.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/random/mersenne_twister.hpp>

@@ -5,6 +5,7 @@
 // offers (filesystem/<platform>/); the logic that depends on the answer stays outside.
 
 #include <string>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 namespace fl {
 namespace filesystem {

@@ -2,6 +2,7 @@
 
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/posix/path_algorithms.hpp>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <cerrno>
 

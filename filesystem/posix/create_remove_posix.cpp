@@ -2,8 +2,11 @@
 
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/posix/operations.hpp>
 
 #include "filesystem/posix/dir_handle.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <cerrno>
 #include <cstring>

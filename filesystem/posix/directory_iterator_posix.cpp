@@ -7,6 +7,9 @@
 #include <qvi18n/i18n/ctype/character_handling_mode_context.hpp>
 
 #include "filesystem/volume_mask.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
+#include <qvi18n/filesystem/posix/operations.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <unicode/ustring.h>
 

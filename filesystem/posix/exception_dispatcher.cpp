@@ -1,5 +1,6 @@
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <cerrno>
 

@@ -1,10 +1,12 @@
 #include <qvi18n/filesystem/posix/install_path.hpp>
+#include <qvi18n/filesystem/posix/operations.hpp>
 
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/install_path.hpp>
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/filesystem/posix/path_algorithms.hpp>
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <cstring>
 

@@ -6,6 +6,9 @@
 #include <qvi18n/filesystem/date_time.hpp>
 
 #include "filesystem/posix/operations_posix_impl.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
+#include <qvi18n/filesystem/posix/operations.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <boost/thread/once.hpp>

@@ -5,6 +5,7 @@
 
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/path.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/mutex.hpp>

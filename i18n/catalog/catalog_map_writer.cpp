@@ -11,6 +11,7 @@
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 
 #include "i18n/catalog/catalog_listing.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <boost/exception/exception.hpp>
 

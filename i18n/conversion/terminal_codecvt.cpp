@@ -2,6 +2,7 @@
 #include <qvi18n/i18n/conversion/terminal_codecvt.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/i18n/locale/lcmgmt.hpp>
 
 #include <boost/variant/get.hpp>
 

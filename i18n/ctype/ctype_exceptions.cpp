@@ -1,6 +1,7 @@
 #include <qvi18n/i18n/ctype/ctype_exceptions.hpp>
 
 #include "i18n/ctype/ctype_throw.hpp"
+#include <qvi18n/i18n/ctype/detail/ctype_throw.hpp>
 
 namespace fl {
 namespace i18n {

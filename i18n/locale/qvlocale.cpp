@@ -3,6 +3,7 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
+#include <qvi18n/i18n/locale/lcmgmt.hpp>
 
 #include <boost/exception/exception.hpp>
 

@@ -1,6 +1,7 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
 #include <qvi18n/i18n/locale/ascii_text.hpp>
+#include <qvi18n/i18n/locale/lcmgmt.hpp>
 
 #include <boost/exception/exception.hpp>
 

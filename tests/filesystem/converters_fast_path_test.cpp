@@ -3,6 +3,7 @@
 // (NUL terminator included) and exceptions must be identical.
 #include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/path.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <qvtest/text.hpp>
 

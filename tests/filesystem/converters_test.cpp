@@ -3,6 +3,7 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 
 #include "tests/filesystem/path_test_text.hpp"
+#include <qvi18n/filesystem/detail/converters.hpp>
 #include <qvtest/scoped_env.hpp>
 
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 
 #include "qvtest/scoped_env.hpp"
 #include "qvtest/scoped_temp_dir.hpp"
+#include <qvi18n/filesystem/posix/operations.hpp>
 
 #include <gtest/gtest.h>
 

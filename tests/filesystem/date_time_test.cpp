@@ -1,4 +1,5 @@
 #include <qvi18n/filesystem/date_time.hpp>
+#include <qvi18n/filesystem/detail/date_time.hpp>
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <boost/date_time/posix_time/posix_time.hpp>

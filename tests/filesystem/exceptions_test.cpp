@@ -4,6 +4,8 @@
 #include <qvi18n/filesystem/path.hpp>
 
 #include "tests/filesystem/path_test_text.hpp"
+#include <qvi18n/filesystem/detail/exceptions.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 #include <qvtest/scoped_temp_dir.hpp>
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 
 #include "tool.hpp"
 
-#include <qvi18n/qvi18n.hpp>
+#include <qvi18n/qvi18n_internals.hpp>
 
 #include <expat.h>
 #include <unicode/messagepattern.h>

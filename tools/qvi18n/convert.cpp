@@ -3,7 +3,7 @@
 
 #include "tool.hpp"
 
-#include <qvi18n/qvi18n.hpp>
+#include <qvi18n/qvi18n_internals.hpp>
 
 #include <cerrno>
 #include <memory>

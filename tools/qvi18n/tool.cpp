@@ -1,6 +1,6 @@
 #include "tool.hpp"
 
-#include <qvi18n/qvi18n.hpp>
+#include <qvi18n/qvi18n_internals.hpp>
 
 #include <cstdio>
 #include <iostream>

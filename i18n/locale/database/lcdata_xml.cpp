@@ -2,6 +2,7 @@
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 
 #include <qvi18n/filesystem/fstream.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <boost/exception/exception.hpp>
 

@@ -1,5 +1,6 @@
 // The nesting check and the handler that turns lcdata.xml into LcData records.
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <boost/make_shared.hpp>
 

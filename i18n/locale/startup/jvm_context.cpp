@@ -4,6 +4,7 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 
 #include <boost/variant/get.hpp>
 

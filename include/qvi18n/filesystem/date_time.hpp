@@ -40,9 +40,6 @@ public:
 // bits before widening, so times after January 2038 wrap, as file times do on disk.
 QVI18N_API std::time_t ptime_to_time_t(boost::posix_time::ptime const& t);
 
-namespace detail {
-QVI18N_API std::time_t ptime_to_time_t(boost::posix_time::ptime const& t);
-} // namespace detail
 
 } // namespace date_time
 } // namespace i18n

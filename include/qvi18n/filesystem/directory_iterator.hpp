@@ -6,6 +6,7 @@
 #include <qvi18n/filesystem/file_status.hpp>
 #include <qvi18n/filesystem/path.hpp>
 #include <qvi18n/i18n/ustring.hpp>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <boost/noncopyable.hpp>
 #include <boost/shared_ptr.hpp>

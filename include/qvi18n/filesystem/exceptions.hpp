@@ -118,20 +118,6 @@ public:
 // InvalidOperation, PathNameComparisonFailure, anything from outside the family) are rethrown.
 QVI18N_API void convert_filesystem_exception_to_errno();
 
-namespace posix {
-
-// Throws the exception for error_number. path is UTF-8 and is kept only by SystemError;
-// second_path is accepted from two-path operations and not used.
-[[noreturn]] QVI18N_API void exception_dispatcher(
-    int error_number, const std::string& path, const std::string& second_path = std::string());
-
-} // namespace posix
-
-namespace detail {
-
-[[noreturn]] QVI18N_API void throw_invalid_operation_exception();
-
-} // namespace detail
 
 } // namespace filesystem
 } // namespace fl

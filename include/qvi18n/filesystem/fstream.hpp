@@ -3,6 +3,7 @@
 
 #include <qvi18n/config.hpp>
 #include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/path.hpp>
 

@@ -1,4 +1,5 @@
 #include <qvi18n/i18n/ctype/classification.hpp>
+#include <qvi18n/i18n/ctype/detail/ctype_throw.hpp>
 
 #include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
 #include "locale_test_db.hpp"
+#include <qvi18n/i18n/locale/lcmgmt.hpp>
 
 #include <boost/thread/lock_guard.hpp>
 #include <gtest/gtest.h>

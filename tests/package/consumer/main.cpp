@@ -1,6 +1,7 @@
 // A program outside the project, built against the installed tree: it reads the installed locale
 // database and catalogs, as the README shows.
 #include <qvi18n/qvi18n.hpp>
+#include <qvi18n/i18n/locale/qvlocale_ctx.hpp> // the locale context, until start-up fills it
 
 #include <boost/thread/lock_guard.hpp>
 

@@ -3,6 +3,7 @@
 
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/conversion/converter.hpp>
+#include <qvi18n/i18n/conversion/detail/converter_close.hpp>
 
 #include <boost/function.hpp>
 
@@ -15,17 +16,6 @@
 namespace fl {
 namespace i18n {
 namespace lcctype {
-
-/// Deleter of an owned UConverter.
-struct QVI18N_API converter_close {
-    void operator()(UConverter* converter) const noexcept
-    {
-        if (converter)
-            ucnv_close(converter);
-    }
-};
-
-typedef std::unique_ptr<UConverter, converter_close> unique_converter;
 
 /// Holder of a default converter: the process-wide master, or one thread's own clone.
 struct QVI18N_API code_converter_context {

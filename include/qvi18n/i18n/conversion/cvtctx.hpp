@@ -2,7 +2,7 @@
 #define QVI18N_I18N_CONVERSION_CVTCTX_HPP
 
 #include <qvi18n/config.hpp>
-#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
+#include <qvi18n/i18n/conversion/detail/converter_close.hpp>
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_err.h>

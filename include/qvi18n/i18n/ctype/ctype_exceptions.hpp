@@ -58,14 +58,6 @@ public:
     ~CtypeStrCompFailure() override;
 };
 
-namespace lcctype {
-namespace detail {
-
-/// Throws CtypeInvalidCharacter.
-[[noreturn]] QVI18N_API void throw_ctype_invalid_character_exception();
-
-} // namespace detail
-} // namespace lcctype
 } // namespace i18n
 } // namespace fl
 

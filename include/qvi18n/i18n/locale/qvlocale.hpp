@@ -127,12 +127,6 @@ protected:
     QvLocale();
 };
 
-namespace lcmgmt {
-
-/// Whether the terminal's input encoding may be taken to equal its output encoding.
-QVI18N_API bool is_term_encoding_consistent();
-
-} // namespace lcmgmt
 
 } // namespace i18n
 } // namespace fl

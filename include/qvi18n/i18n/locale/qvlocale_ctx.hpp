@@ -3,6 +3,7 @@
 
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
+#include <qvi18n/i18n/locale/lcmgmt.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/system_locale.hpp>
@@ -196,24 +197,7 @@ QVI18N_API QvLocaleCtx& get_qvlocale_context();
 /// or empty if ICU cannot open it or the database does not list it. Returns `out`. No lock.
 QVI18N_API std::string& getEncoding(std::string& out, std::string const& name);
 
-namespace lcmgmt {
 
-/// Whether the database lists `name`, directly or through ICU's standard name for it.
-QVI18N_API bool is_supported_encoding(std::string const& name);
-/// The database's canonical name for an alias, or `name` itself.
-QVI18N_API std::string get_encoding_name_from_alias(std::string const& name);
-/// The database's canonical name for an alias, or an empty string.
-QVI18N_API std::string get_qv_standard_encoding_name_from_alias(std::string const& name);
-
-} // namespace lcmgmt
-
-namespace lcctype {
-
-/// The MIME, else IANA, else WINDOWS standard name of an ICU converter name; `name` itself when no
-/// standard lists it, and empty for an empty name.
-QVI18N_API std::string get_standard_encoding_name_from_converter_name(const std::string& name);
-
-} // namespace lcctype
 
 } // namespace i18n
 } // namespace fl

@@ -2,6 +2,7 @@
 // thrown, nothing reaches the handler after it, and (under the sanitizers) nothing leaks.
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 

@@ -3,6 +3,7 @@
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>

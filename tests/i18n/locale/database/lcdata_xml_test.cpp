@@ -1,6 +1,7 @@
 // The locale database reader: what a document puts into LcData, and how each kind of bad
 // document or file is reported.
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 
