@@ -1,4 +1,5 @@
 #include <qvi18n/i18n/conversion/stream_codecvt.hpp>
+#include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 
 #include "i18n/conversion/ctx_open.hpp"
 #include "i18n/conversion/cvt_throw.hpp"

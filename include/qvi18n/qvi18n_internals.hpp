@@ -43,4 +43,7 @@
 #include <qvi18n/i18n/catalog/catalog_map.hpp>
 #include <qvi18n/i18n/catalog/catalog_map_writer.hpp>
 
+// start-up
+#include <qvi18n/i18n/locale/startup/lcmgmt.hpp>
+
 #endif

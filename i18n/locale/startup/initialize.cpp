@@ -1,4 +1,5 @@
 #include <qvi18n/i18n/locale/startup/initialize.hpp>
+#include <qvi18n/i18n/locale/startup/lcmgmt.hpp>
 
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/install_path.hpp>

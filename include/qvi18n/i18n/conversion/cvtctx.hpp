@@ -2,6 +2,7 @@
 #define QVI18N_I18N_CONVERSION_CVTCTX_HPP
 
 #include <qvi18n/config.hpp>
+#include <qvi18n/i18n/conversion/converter.hpp>
 #include <qvi18n/i18n/conversion/detail/converter_close.hpp>
 
 #include <unicode/ucnv.h>

@@ -4,6 +4,7 @@
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/startup/initialize.hpp>
+#include <qvi18n/i18n/locale/startup/lcmgmt.hpp>
 
 #include "tests/i18n/locale/startup_support.hpp"
 

@@ -3,7 +3,6 @@
 
 #include <qvi18n/config.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
-#include <qvi18n/i18n/locale/system_locale.hpp>
 
 #include <string>
 
@@ -28,17 +27,6 @@ QVI18N_API bool get_l10n_resource_status();
 QVI18N_API void change_global_locale(QvLocale const& locale);
 /// Pins the global locale for the rest of the process. Takes the global lock.
 QVI18N_API void lock_global_locale_setting();
-
-namespace lcmgmt {
-
-/// Whether the standard library can make every category's locale from the environment.
-QVI18N_API bool is_std_locale_valid();
-/// Puts back the locale variables start-up decided if the standard library can't use the current ones.
-QVI18N_API void fix_invalid_std_locale();
-/// The user's settings as start-up found them. Takes the global lock.
-QVI18N_API system_setting_context get_original_user_locale_setting();
-
-} // namespace lcmgmt
 
 /// What start-up has to say. Reads without a lock; meant for use after initialize().
 class QVI18N_API QvLcUtil {
