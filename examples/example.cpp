@@ -2,7 +2,7 @@
 // shipped beside the library, locale objects and their fall-backs, conversion to a few encodings, Unicode file
 // names, and translated messages from the library's own catalogs.
 #include <qvi18n/qvi18n.hpp>
-#include <qvi18n/i18n/locale/qvlocale_ctx.hpp> // the locale context, until start-up fills it
+#include <qvi18n/i18n/locale/startup/lcmgmt.hpp>
 
 #include <cstdio>
 #include <cstdlib>

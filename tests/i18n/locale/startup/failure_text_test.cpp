@@ -9,6 +9,7 @@
 #include <qvi18n/i18n/ctype/transform.hpp>
 #include <qvi18n/i18n/locale/startup/failure_text.hpp>
 #include <qvi18n/i18n/locale/startup/time_zone.hpp>
+#include <qvi18n/filesystem/detail/exceptions.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 
