@@ -8,6 +8,7 @@
 
 // locale core
 #include <qvi18n/i18n/locale/lcmgmt.hpp>
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 #include <qvi18n/i18n/locale/system_locale.hpp>
