@@ -179,17 +179,16 @@ int decomposed_compare(const char16_t* left, std::int32_t left_count, const char
     return a.length == b.length ? 0 : (a.length < b.length ? -1 : 1);
 }
 
+// Branch-free, so that the compiler can walk it many units a step: well paired means every lead is
+// followed by a trail and every trail follows a lead.
 bool well_paired(const char16_t* text, std::int32_t count)
 {
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (!U16_IS_SURROGATE(text[i]))
-            continue;
-        if (U16_IS_SURROGATE_LEAD(text[i]) && i + 1 < count && U16_IS_TRAIL(text[i + 1]))
-            ++i;
-        else
-            return false;
-    }
-    return true;
+    if (count == 0)
+        return true;
+    unsigned bad = U16_IS_TRAIL(text[0]) | U16_IS_LEAD(text[count - 1]);
+    for (std::int32_t i = 0; i + 1 < count; ++i)
+        bad |= static_cast<unsigned>(U16_IS_LEAD(text[i])) ^ static_cast<unsigned>(U16_IS_TRAIL(text[i + 1]));
+    return bad == 0;
 }
 
 int normalized_compare(const char16_t* left, unsigned long left_length, const char16_t* right,
