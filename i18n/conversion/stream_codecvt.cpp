@@ -28,10 +28,15 @@ template <typename Reset> int stream_result(UErrorCode status, Reset reset)
 
 stream_codecvt_ustring_to_string::stream_codecvt_ustring_to_string(
     const std::string& encoding, bool allow_invalid)
+    : stream_codecvt_ustring_to_string(encoding, allow_invalid ? call_back_default : call_back_invalid_check)
+{
+}
+
+stream_codecvt_ustring_to_string::stream_codecvt_ustring_to_string(
+    const std::string& encoding, codecvt_call_back_mode mode)
     : ctx(detail::open_ctx(encoding))
 {
-    if (!allow_invalid)
-        ctx->change_from_call_back(call_back_invalid_check, std::string());
+    ctx->change_from_call_back(mode, std::string());
 }
 
 stream_codecvt_ustring_to_string::~stream_codecvt_ustring_to_string() { }

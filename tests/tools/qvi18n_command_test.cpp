@@ -172,6 +172,38 @@ TEST_F(QvI18nCommand, ConvertStreamsThroughAnyBufferBoundary)
     EXPECT_EQ(lenient.out.substr(lenient.out.size() - 2), "y\xe9");
 }
 
+TEST_F(QvI18nCommand, ConvertEscapesWhatTheTargetCannotCarry)
+{
+    // The euro sign and the emoji are not Latin-1; the repeats put both across the command's
+    // read buffers, and in UTF-16 the emoji's pair is cut between its halves as well.
+    std::string text;
+    std::string wide;
+    std::string c_form;
+    std::string xml_form;
+    for (int i = 0; i < 40000; ++i) {
+        text += "a\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80";
+        wide += std::string("a\0\xe9\0\xac\x20\x3d\xd8\x00\xde", 10);
+        c_form += "a\xe9\\u20AC\\U0001F600";
+        xml_form += "a\xe9&#x20AC;&#x1F600;";
+    }
+    const outcome c = run("convert --from UTF-8 --to ISO-8859-1 --escape c", "C.UTF-8", text);
+    EXPECT_EQ(c.status, 0);
+    EXPECT_TRUE(c.out == c_form) << c.out.substr(0, 64);
+    // Four units ahead put the first read's end (32768 units) after the emoji's high half.
+    wide = std::string("w\0x\0y\0z\0", 8) + wide;
+    const outcome xml = run("convert --from UTF-16LE --to ISO-8859-1 --escape xml-hex", "C.UTF-8", wide);
+    EXPECT_EQ(xml.status, 0);
+    EXPECT_TRUE(xml.out == "wxyz" + xml_form) << xml.out.substr(0, 64);
+
+    const outcome unknown = run("convert --from UTF-8 --to ISO-8859-1 --escape frob", "C.UTF-8", "\xe2\x82\xac");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.out, "");
+    EXPECT_NE(unknown.err.find("frob"), std::string::npos) << unknown.err;
+    const outcome both = run("convert --from UTF-8 --to ISO-8859-1 --escape c --strict", "C.UTF-8", "\xe2\x82\xac");
+    EXPECT_EQ(both.status, 2);
+    EXPECT_EQ(both.out, "");
+}
+
 TEST_F(QvI18nCommand, ExplainAgreesWithTheMessage)
 {
     const outcome told = run("message --explain --locale de_AT fl:filesystem:PathNotFound");

@@ -34,22 +34,67 @@ bool write_all(const char* data, std::size_t size)
     return true;
 }
 
+const struct {
+    const char* name;
+    fi::codecvt_call_back_mode mode;
+} escape_modes[] = {
+    {"icu", fi::call_back_escape_icu},
+    {"java", fi::call_back_escape_java},
+    {"c", fi::call_back_escape_c},
+    {"xml-dec", fi::call_back_escape_xml_dec},
+    {"xml-hex", fi::call_back_escape_xml_hex},
+    {"unicode", fi::call_back_escape_unicode},
+    {"css2", fi::call_back_escape_css2},
+};
+
 } // namespace
 
 int run_convert(const arguments& args)
 {
     po::options_description options("options");
+    po::variables_map values;
+    // What the output encoding cannot carry: substituted unless --strict or --escape says otherwise.
+    fi::codecvt_call_back_mode unmappable = fi::call_back_default;
+    // Checked while the options are stored, so that a bad MODE is reported as any usage error.
+    auto choose_escape = [&values, &unmappable](const std::string& name) {
+        if (values.count("strict") != 0) {
+            throw po::error("the options '--strict' and '--escape' cannot be given together");
+        }
+        for (const auto& m : escape_modes) {
+            if (name == m.name) {
+                unmappable = m.mode;
+                return;
+            }
+        }
+        po::invalid_option_value unknown(name);
+        unknown.set_option_name("escape");
+        unknown.set_prefix(po::command_line_style::allow_long);
+        throw unknown;
+    };
     options.add_options()("from,f", po::value<std::string>()->required(), "the encoding of the input")(
         "to,t", po::value<std::string>()->required(), "the encoding of the output")(
-        "strict", "fail on a byte sequence or character the encodings cannot carry (default: substitute)");
+        "strict", "fail on a byte sequence or character the encodings cannot carry (default: substitute)")(
+        "escape", po::value<std::string>()->value_name("MODE")->notifier(choose_escape),
+        "write a character the output encoding cannot carry as an escape; MODE is one of\n"
+        "  icu      %UXXXX (a pair above U+FFFF as two)\n"
+        "  java     \\uXXXX (a pair as two)\n"
+        "  c        \\uXXXX, \\UXXXXXXXX above U+FFFF\n"
+        "  xml-dec  &#DDDD;\n"
+        "  xml-hex  &#xXXXX;\n"
+        "  unicode  {U+XXXX}\n"
+        "  css2     \\XXXX and a space\n"
+        "invalid input bytes are still substituted");
     po::positional_options_description positional;
-    po::variables_map values;
-    const int parsed = parse_arguments("convert", "--from ENC --to ENC [--strict]", args, options, positional, values);
+    const int parsed = parse_arguments(
+        "convert", "--from ENC --to ENC [--strict|--escape MODE]", args, options, positional, values);
     if (parsed >= 0) {
         return parsed;
     }
     start_up();
     const bool substitute = values.count("strict") == 0;
+    if (!substitute) {
+        unmappable = fi::call_back_invalid_check;
+    }
     // Both ends are opened before anything is read: an unknown name fails with no output.
     // The stream converters do not name the encoding they refuse; the report does.
     std::unique_ptr<fi::stream_codecvt_string_to_ustring> decoder_owner;
@@ -58,7 +103,7 @@ int run_convert(const arguments& args)
     try {
         decoder_owner.reset(new fi::stream_codecvt_string_to_ustring(*opening, substitute));
         opening = &values["to"].as<std::string>();
-        encoder_owner.reset(new fi::stream_codecvt_ustring_to_string(*opening, substitute));
+        encoder_owner.reset(new fi::stream_codecvt_ustring_to_string(*opening, unmappable));
     } catch (const fi::CvtInvalidEncodingName& e) {
         if (!e.get_encoding_name().empty()) {
             throw;

@@ -156,6 +156,39 @@ TEST(StreamConversion, StrictStreamsRefuseInvalidTextAndGoOnClean)
     EXPECT_EQ(feed(lenient, {ustring(u"a\u65E5")}), "a\x1A");
 }
 
+TEST(StreamConversion, EscapesSurviveATinyTargetAndAPairSplitAcrossCalls)
+{
+    // A BMP character, a zero-width space (unassigned and default-ignorable in Latin-1, so
+    // ICU's own escape would drop it) and one above the BMP.
+    const ustring text = u"a\u65E5\u200Bb\U0001F600c";
+    const struct {
+        codecvt_call_back_mode mode;
+        const char* expected;
+    } modes[] = {
+        {call_back_escape_icu, "a%U65E5%U200Bb%UD83D%UDE00c"},
+        {call_back_escape_java, "a\\u65E5\\u200Bb\\uD83D\\uDE00c"},
+        {call_back_escape_c, "a\\u65E5\\u200Bb\\U0001F600c"},
+        {call_back_escape_xml_dec, "a&#26085;&#8203;b&#128512;c"},
+        {call_back_escape_xml_hex, "a&#x65E5;&#x200B;b&#x1F600;c"},
+        {call_back_escape_unicode, "a{U+65E5}{U+200B}b{U+1F600}c"},
+        {call_back_escape_css2, "a\\65E5 \\200B b\\1F600 c"},
+    };
+    const std::size_t pair = text.find(u'\xD83D') + 1;
+    for (const auto& m : modes) {
+        const stream_codecvt_ustring_to_string cvt("ISO-8859-1", m.mode);
+        EXPECT_EQ(feed(cvt, {text}), m.expected) << m.mode;
+        // One byte of room at a time, the pair cut between its halves: the escape is written
+        // in pieces and nothing of it is lost or doubled.
+        EXPECT_EQ(feed(cvt, {text.substr(0, pair), text.substr(pair)}, 1), m.expected) << m.mode;
+    }
+    // The default mode is ICU's substitution, which still lets the zero-width space go.
+    EXPECT_EQ(feed(stream_codecvt_ustring_to_string("ISO-8859-1", call_back_default), {text}), "a\x1A" "b\x1A" "c");
+    EXPECT_THROW(
+        feed(stream_codecvt_ustring_to_string("ISO-8859-1", call_back_invalid_check), {text}), CvtInvalidCharacter);
+    EXPECT_THROW(stream_codecvt_ustring_to_string("UTF-8", call_back_substitution), CvtInvalidArgument);
+    EXPECT_THROW(stream_codecvt_ustring_to_string("UTF-8", call_back_unsupported), CvtNonSupportedMode);
+}
+
 TEST(StreamConversion, MaxCharSizeAndEncodings)
 {
     EXPECT_EQ(stream_codecvt_ustring_to_string("UTF-8", true).max_char_size(), 4);

@@ -59,6 +59,11 @@ extern template class stream_converter<char16_t, char>;
 class QVI18N_API stream_codecvt_ustring_to_string : public stream_converter<char, char16_t> {
 public:
     stream_codecvt_ustring_to_string(const std::string& encoding, bool allow_invalid);
+    /// As above, with what to do about unmappable text chosen as CvtCtx::change_from_call_back
+    /// takes it: call_back_default substitutes, call_back_invalid_check raises, an escape mode
+    /// writes the character's escape (unassigned default-ignorables included). A mode the
+    /// context refuses throws what it throws (CvtInvalidArgument, CvtNonSupportedMode).
+    stream_codecvt_ustring_to_string(const std::string& encoding, codecvt_call_back_mode mode);
     ~stream_codecvt_ustring_to_string() override;
 
     int do_convert(char** target, char* target_limit, const char16_t** source, const char16_t* source_limit,
