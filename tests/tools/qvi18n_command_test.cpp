@@ -23,6 +23,8 @@ struct outcome {
 class QvI18nCommand : public ::testing::Test {
 protected:
     qvtest::scoped_temp_dir home;
+    // More NAME=value words for the command's environment.
+    std::string environment;
 
     outcome run(const std::string& args, const std::string& lang = "C.UTF-8", const std::string& input = "")
     {
@@ -37,7 +39,7 @@ protected:
             }
         }
         const std::string command = "env -i HOME=" + home.path() + " XDG_CONFIG_HOME=" + home.path()
-            + " LANG=" + lang + sanitizers + " " + tool + " " + args + " <" + in + " 2>" + err;
+            + " LANG=" + lang + " " + environment + sanitizers + " " + tool + " " + args + " <" + in + " 2>" + err;
         outcome result{-1, std::string(), std::string()};
         FILE* pipe = ::popen(command.c_str(), "r");
         char buffer[4096];
@@ -202,6 +204,28 @@ TEST_F(QvI18nCommand, ConvertEscapesWhatTheTargetCannotCarry)
     const outcome both = run("convert --from UTF-8 --to ISO-8859-1 --escape c --strict", "C.UTF-8", "\xe2\x82\xac");
     EXPECT_EQ(both.status, 2);
     EXPECT_EQ(both.out, "");
+}
+
+TEST_F(QvI18nCommand, StatusShowsTheDatabaseStartUpRead)
+{
+    const std::string installed = std::string(QVI18N_TEST_BUILD_ROOT) + "/bin/lcdata.xml";
+    EXPECT_NE(run("status").out.find("\ndatabase_path: " + installed + "\n"), std::string::npos);
+
+    qvtest::scoped_temp_dir copy;
+    const std::string path = copy.write_file("lcdata.xml", qvtest::read_file(installed));
+    environment = "QVLOCALE_LCDATA_PATH=" + copy.path();
+    const outcome text = run("status", "de_DE.UTF-8");
+    EXPECT_EQ(text.status, 0);
+    EXPECT_NE(text.out.find("\ndatabase_path: " + path + "\n"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("\nstatus: 0\n"), std::string::npos) << text.out;
+    EXPECT_NE(run("status --json").out.find("\"database_path\": \"" + path + "\""), std::string::npos);
+
+    // A database that is not there: the path tried, and the failure beside it.
+    environment = "QVLOCALE_LCDATA_PATH=" + copy.path() + "/none";
+    const outcome missing = run("status");
+    EXPECT_NE(missing.out.find("\ndatabase_path: " + copy.path() + "/none/lcdata.xml\n"), std::string::npos)
+        << missing.out;
+    EXPECT_NE(missing.out.find("\nstatus: 1\n"), std::string::npos) << missing.out;
 }
 
 TEST_F(QvI18nCommand, ExplainAgreesWithTheMessage)

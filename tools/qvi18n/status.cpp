@@ -70,6 +70,7 @@ int run_status(const arguments& args)
         {"localisation", fi::get_l10n_resource_status() ? "on" : "off"},
         {"system_locale", fi::QvLocale::system().shortName(fi::QvLocale::LcCtype)},
         {"install_path", root},
+        {"database_path", fi::get_database_path()},
         {"database_path_variable", environment("QVLOCALE_LCDATA_PATH")},
         {"database_file_variable", environment("QVLOCALE_LCDATA_FILENAME")},
     };

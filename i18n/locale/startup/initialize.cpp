@@ -62,6 +62,14 @@ std::string database_path(std::string& refused)
     }
 }
 
+// Written once by start-up and read under the global lock; on the heap so that it outlives
+// static destruction, as the rest of start-up's state does.
+std::string& database_path_used()
+{
+    static std::string* const path = new std::string();
+    return *path;
+}
+
 template <class Failure> void keep_failure(LcStatusCtx& status, Failure const& failure)
 {
     status.setException(new Failure(failure));
@@ -82,6 +90,7 @@ void QvLocaleCtx::initLocaleMgmt()
 
     std::string refused;
     std::string const path = database_path(refused);
+    database_path_used() = path;
     if (path.empty()) {
         initGlobalLocale(true);
         lcStatus.setException(new LcRscInavlidPathName(refused));
@@ -122,6 +131,12 @@ void initialize()
         // ctype, numeric and messages: the categories the library's character facets serve.
         facet::init_global_std_locale(21);
     });
+}
+
+std::string get_database_path()
+{
+    boost::unique_lock<boost::mutex> lock(getLcMutex());
+    return database_path_used();
 }
 
 void disable_l10n_resource()

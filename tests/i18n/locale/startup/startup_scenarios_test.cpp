@@ -92,9 +92,11 @@ TEST_F(Startup, CUtf8WithADatabaseWithoutItStartsWithoutWarning)
         "<lcdata>\n<locale name=\"en_US_POSIX\" encoding=\"US-ASCII\" xpg_name=\"C\"/>\n"
         "<locale name=\"en_US\" encoding=\"UTF-8\" xpg_name=\"en_US.UTF-8\"/>\n"
         "<codeset><encoding name=\"US-ASCII\"/><encoding name=\"UTF-8\"/></codeset>\n</lcdata>\n");
+    EXPECT_EQ("", get_database_path());
     start();
     EXPECT_EQ(0, status());
     EXPECT_EQ("", QvLcUtil::getInitWarningMsg());
+    EXPECT_EQ(home_ / "lcdata.xml", get_database_path());
     EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
         names(QvLocale::global()));
 }
@@ -220,6 +222,8 @@ TEST_F(Startup, MissingDatabaseLeavesTheBuiltInLocaleAndTheFailure)
         QvLcUtil::getInitStatusMsg());
     EXPECT_EQ("Failed to open file " + (home_ / "empty/lcdata.xml") + ".", QvLcUtil::getInitWarningMsg());
     EXPECT_NE(nullptr, dynamic_cast<LcRscOpenFileFailure const*>(QvLcUtil::getInitException()));
+    // The path it went for, though nothing was there.
+    EXPECT_EQ(home_ / "empty/lcdata.xml", get_database_path());
     EXPECT_EQ("en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US_POSIX en_US US-ASCII",
         names(QvLocale::global()));
     EXPECT_EQ("UTF-8", terminal(QvLocale::system()));
@@ -250,6 +254,7 @@ TEST_F(Startup, DatabasePathThatCannotBeFormedIsReported)
     start();
     EXPECT_EQ(2, status());
     EXPECT_NE(nullptr, dynamic_cast<LcRscInavlidPathName const*>(QvLcUtil::getInitException()));
+    EXPECT_EQ("", get_database_path());
     EXPECT_EQ("C", std::string(std::getenv("LANG")));
 }
 

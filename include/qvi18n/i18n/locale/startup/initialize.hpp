@@ -18,6 +18,11 @@ QVI18N_API void initialize();
 /// The locale part of initialize() alone; takes the global lock.
 QVI18N_API void initLcMgmtSystem();
 
+/// The locale database file start-up went to read (file-system form), whether or not it could:
+/// QvLcUtil tells how that went. Empty before start-up, and when no path could be formed (a
+/// refused QVLOCALE_LCDATA_PATH, no installation). Takes the global lock.
+QVI18N_API std::string get_database_path();
+
 /// Stops localised messages: the global locale gets English messages. Takes the global lock.
 QVI18N_API void disable_l10n_resource();
 /// Whether localised messages are in use. Takes the global lock.
