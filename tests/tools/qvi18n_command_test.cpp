@@ -80,6 +80,7 @@ TEST_F(QvI18nCommand, CheckFindsEachFaultOnItsLine)
     root.write_file("resources/c/pt/a.xml", catalog("    <entry key=\"Bye\">Tchau.</entry\n"));
     root.write_file("resources/c/nl/a.xml", "<?xml version=\"1.0\"?>\n<catalog>\n  <entry key=\"Bye\">Dag.</entry>\n</catalog>\n");
     root.write_file("resources/c/de/b.xml", catalog("    <entry key=\"Only\">Nur.</entry>\n"));
+    root.write_file("resources/c/ja/a.xml", catalog("    <entry key=\"Hello\">{0,date}\xe3\x81\x95\xe3\x82\x93</entry>\n"));
 
     const outcome result = run("check --no-maps " + root.path());
     const std::string r = root.path() + "/resources/c/";
@@ -89,6 +90,7 @@ TEST_F(QvI18nCommand, CheckFindsEachFaultOnItsLine)
         + r + "es/a.xml:4: messageformat: key \"Bye\": not a valid message pattern (U_ILLEGAL_ARGUMENT_ERROR at offset 0)\n"
         + r + "fr/a.xml:4: holes: key \"Hello\" has holes none where \"en\" has {0}\n"
         + r + "it/a.xml:4: extra-key: key \"Ciao\" is not in the \"en\" catalog\n"
+        + r + "ja/a.xml:4: hole-type: key \"Hello\": hole {0} is date where \"en\" has none\n"
         + r + "nl/a.xml:2: format: element <catalog> is not allowed as the root\n"
         + r + "nl/a.xml:3: format: element <entry> is not allowed inside <catalog>\n"
         + r + "pt/a.xml:5: xml: not well-formed XML: not well-formed (invalid token)\n");

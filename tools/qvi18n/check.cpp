@@ -185,8 +185,28 @@ void read_catalog(catalog_file& file, findings& out)
     }
 }
 
-// The holes of a message text, as "{0}" "{name}"; false with a reason when ICU refuses the text.
-bool holes_of(const icu::UnicodeString& text, std::set<std::string>& holes, std::string& reason)
+// What a hole is formatted as: ICU's argument type, with a simple argument named by its keyword
+// ("number", "date", "spellout"...); "none" for a bare {0}.
+std::string hole_type(const icu::MessagePattern& pattern, int32_t start)
+{
+    switch (pattern.getPart(start).getArgType()) {
+    case UMSGPAT_ARG_TYPE_NONE: return "none";
+    case UMSGPAT_ARG_TYPE_CHOICE: return "choice";
+    case UMSGPAT_ARG_TYPE_PLURAL: return "plural";
+    case UMSGPAT_ARG_TYPE_SELECT: return "select";
+    case UMSGPAT_ARG_TYPE_SELECTORDINAL: return "selectordinal";
+    case UMSGPAT_ARG_TYPE_SIMPLE: break;
+    }
+    // A simple argument's parts: its start, its name or number, then its type keyword, which ICU
+    // takes in any case.
+    std::string keyword;
+    pattern.getSubstring(pattern.getPart(start + 2)).toLower(icu::Locale::getRoot()).toUTF8String(keyword);
+    return keyword;
+}
+
+// The holes of a message text, as "{0}" "{name}", each with the types it is used as; false with
+// a reason when ICU refuses the text.
+bool holes_of(const icu::UnicodeString& text, std::map<std::string, std::set<std::string>>& holes, std::string& reason)
 {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString quoted = icu::MessageFormat::autoQuoteApostrophe(text, status);
@@ -197,33 +217,45 @@ bool holes_of(const icu::UnicodeString& text, std::set<std::string>& holes, std:
         return false;
     }
     icu::MessagePattern pattern(quoted, nullptr, status);
-    for (int32_t i = 0; U_SUCCESS(status) && i < pattern.countParts(); ++i) {
-        const icu::MessagePattern::Part& part = pattern.getPart(i);
-        if (part.getType() == UMSGPAT_PART_TYPE_ARG_NUMBER) {
-            holes.insert("{" + std::to_string(part.getValue()) + "}");
-        } else if (part.getType() == UMSGPAT_PART_TYPE_ARG_NAME) {
-            std::string name;
-            pattern.getSubstring(part).toUTF8String(name);
-            holes.insert("{" + name + "}");
+    for (int32_t i = 0; U_SUCCESS(status) && i + 1 < pattern.countParts(); ++i) {
+        if (pattern.getPart(i).getType() != UMSGPAT_PART_TYPE_ARG_START) {
+            continue;
         }
+        const icu::MessagePattern::Part& id = pattern.getPart(i + 1);
+        std::string name;
+        if (id.getType() == UMSGPAT_PART_TYPE_ARG_NUMBER) {
+            name = std::to_string(id.getValue());
+        } else {
+            pattern.getSubstring(id).toUTF8String(name);
+        }
+        holes["{" + name + "}"].insert(hole_type(pattern, i));
     }
     return true;
 }
 
-std::string join(const std::set<std::string>& items)
+template <typename Items> std::string join(const Items& items, const char* between, const char* empty)
 {
     std::string out;
-    for (const std::string& item : items) {
-        out += (out.empty() ? "" : " ") + item;
+    for (const auto& item : items) {
+        out += (out.empty() ? "" : between) + std::string(item);
     }
-    return out.empty() ? "none" : out;
+    return out.empty() ? empty : out;
+}
+
+std::vector<std::string> names_of(const std::map<std::string, std::set<std::string>>& holes)
+{
+    std::vector<std::string> names;
+    for (const auto& hole : holes) {
+        names.push_back(hole.first);
+    }
+    return names;
 }
 
 void check_against_english(const catalog_file& file, const catalog_file* english, findings& out)
 {
     for (const auto& entry : file.texts) {
         const unsigned long line = file.lines.at(entry.first);
-        std::set<std::string> holes;
+        std::map<std::string, std::set<std::string>> holes;
         std::string reason;
         if (!holes_of(entry.second, holes, reason)) {
             out.push_back({file.path, line, "messageformat", "key \"" + entry.first + "\": not a valid message pattern (" + reason + ")"});
@@ -237,10 +269,25 @@ void check_against_english(const catalog_file& file, const catalog_file* english
             out.push_back({file.path, line, "extra-key", "key \"" + entry.first + "\" is not in the \"en\" catalog"});
             continue;
         }
-        std::set<std::string> expected;
-        if (holes_of(reference->second, expected, reason) && expected != holes) {
+        std::map<std::string, std::set<std::string>> expected;
+        if (!holes_of(reference->second, expected, reason)) {
+            continue;
+        }
+        if (names_of(expected) != names_of(holes)) {
             out.push_back({file.path, line, "holes",
-                "key \"" + entry.first + "\" has holes " + join(holes) + " where \"en\" has " + join(expected)});
+                "key \"" + entry.first + "\" has holes " + join(names_of(holes), " ", "none") + " where \"en\" has "
+                    + join(names_of(expected), " ", "none")});
+            continue;
+        }
+        // The same holes: each must be formatted as the same kind of value, or the caller's
+        // argument is shown as something else in this language (or refused).
+        for (const auto& hole : holes) {
+            const std::set<std::string>& types = expected[hole.first];
+            if (hole.second != types) {
+                out.push_back({file.path, line, "hole-type",
+                    "key \"" + entry.first + "\": hole " + hole.first + " is " + join(hole.second, "+", "")
+                        + " where \"en\" has " + join(types, "+", "")});
+            }
         }
     }
 }
