@@ -154,6 +154,54 @@ TEST_F(QvI18nCommand, BadInputIsAFailureInTheUsersLanguage)
     EXPECT_NE(binary.err, "");
 }
 
+TEST_F(QvI18nCommand, OwnTextsFollowTheUsersLanguage)
+{
+    // Usage errors are Boost's exceptions underneath; the user reads the command's sentence.
+    const outcome unknown = run("status --no-such-option", "de_DE.UTF-8");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.out, "");
+    EXPECT_EQ(unknown.err, "qvi18n status: unbekannte Option --no-such-option\nAufruf: qvi18n status [--json]\n");
+    const outcome missing = run("check", "de_DE.UTF-8");
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(missing.err.substr(0, missing.err.find('\n')), "qvi18n check: das Argument ROOT fehlt");
+    EXPECT_EQ(run("convert --to UTF-8 --from", "fr_FR.UTF-8").err.rfind("qvi18n convert: l\xe2\x80\x99option --from attend une valeur\n", 0), 0u);
+    const outcome extra = run("ls /tmp /var", "ja_JP.UTF-8");
+    EXPECT_EQ(extra.status, 2);
+    EXPECT_EQ(extra.err.rfind("qvi18n ls: \xe5\xbc\x95\xe6\x95\xb0\xe3\x81\x8c", 0), 0u) << extra.err;
+
+    const outcome help = run("convert --help", "de_DE.UTF-8");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.out.rfind("Aufruf: qvi18n convert --from ENC --to ENC", 0), 0u) << help.out;
+    EXPECT_NE(help.out.find("\n  -f, --from ENC  die Kodierung der Eingabe\n"), std::string::npos) << help.out;
+    EXPECT_NE(run("convert --to UTF-8 --from UTF-8 --strict --escape c", "de_DE.UTF-8")
+                  .err.find("die Optionen --strict und --escape k\xc3\xb6nnen nicht zusammen angegeben werden\n"),
+        std::string::npos);
+    EXPECT_NE(run("convert --to UTF-8 --from UTF-8 --escape frob", "de_DE.UTF-8")
+                  .err.find("der Wert \xe2\x80\x9e" "frob\xe2\x80\x9c ist f\xc3\xbcr die Option --escape ung\xc3\xbcltig\n"),
+        std::string::npos);
+    const outcome overview = run("--help", "de_DE.UTF-8");
+    EXPECT_NE(overview.out.find("\n  check     die Kataloge"), std::string::npos) << overview.out;
+
+    // A language without catalogs reads English; so does one only LC_MESSAGES names elsewhere.
+    EXPECT_EQ(run("status --no-such-option", "xx_YY.UTF-8").err,
+        "qvi18n status: unknown option --no-such-option\nusage: qvi18n status [--json]\n");
+    environment = "LC_MESSAGES=de_DE.UTF-8";
+    EXPECT_EQ(run("message").err.rfind("qvi18n message: das Argument ID fehlt\n", 0), 0u);
+    environment.clear();
+
+    // Findings are localised; their machine fields are not.
+    qvtest::scoped_temp_dir root;
+    root.write_file("resources/c/en/a.xml", english);
+    root.write_file("resources/c/it/a.xml", catalog("    <entry key=\"Ciao\">Ciao.</entry>\n"));
+    const std::string file = root.path() + "/resources/c/it/a.xml";
+    const outcome found = run("check --no-maps " + root.path(), "de_DE.UTF-8");
+    EXPECT_EQ(found.status, 1);
+    EXPECT_EQ(found.out, file + ":4: extra-key: der Schl\xc3\xbcssel \xe2\x80\x9e" "Ciao\xe2\x80\x9c steht nicht im Katalog \xe2\x80\x9e" "en\xe2\x80\x9c\n");
+    const outcome json = run("check --no-maps --json " + root.path(), "de_DE.UTF-8");
+    EXPECT_NE(json.out.find("{\"file\": \"" + file + "\", \"line\": 4, \"kind\": \"extra-key\", \"message\": \"der Schl"),
+        std::string::npos) << json.out;
+}
+
 TEST_F(QvI18nCommand, ConvertStreamsThroughAnyBufferBoundary)
 {
     // Long enough that characters straddle the command's buffers.

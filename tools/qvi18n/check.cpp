@@ -67,7 +67,7 @@ std::vector<std::string> list(const std::string& dir, findings& out)
             }
         }
     } catch (const std::exception& e) {
-        out.push_back({dir, 0, "unreadable", std::string("directory cannot be read (") + e.what() + ")"});
+        out.push_back({dir, 0, "unreadable", say("DirectoryUnreadable", {utf8(fi::describe_failure(e, fi::QvLocale::global()))})});
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -101,7 +101,7 @@ void XMLCALL on_start(void* data, const XML_Char* name, const XML_Char** attribu
     scan.open.push_back(element);
     const char* expected_parent = element == "rsccat" ? "" : element == "message" ? "rsccat" : element == "entry" ? "message" : nullptr;
     if (expected_parent == nullptr || parent != expected_parent) {
-        scan.fault("format", "element <" + element + "> is not allowed " + (parent.empty() ? "as the root" : "inside <" + parent + ">"));
+        scan.fault("format", parent.empty() ? say("ElementAsRoot", {element}) : say("ElementInside", {element, parent}));
         return;
     }
     if (element != "entry") {
@@ -114,12 +114,12 @@ void XMLCALL on_start(void* data, const XML_Char* name, const XML_Char** attribu
         }
     }
     if (key == nullptr || *key == '\0') {
-        scan.fault("format", "entry without a key");
+        scan.fault("format", say("EntryWithoutKey"));
         return;
     }
     const unsigned long line = XML_GetCurrentLineNumber(scan.parser);
     if (!scan.seen.emplace(key, line).second) {
-        scan.fault("duplicate", "key \"" + std::string(key) + "\" already given on line " + std::to_string(scan.seen[key]));
+        scan.fault("duplicate", say("DuplicateKey", {key, std::to_string(scan.seen[key])}));
     }
     scan.order.emplace_back(key, line);
 }
@@ -142,7 +142,7 @@ void read_catalog(catalog_file& file, findings& out)
     std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     if (!in.good() && !in.eof()) {
         file.readable = false;
-        out.push_back({file.path, 0, "unreadable", "file cannot be read"});
+        out.push_back({file.path, 0, "unreadable", say("FileUnreadable")});
         return;
     }
     structure_scan scan;
@@ -154,7 +154,7 @@ void read_catalog(catalog_file& file, findings& out)
     const std::size_t before = out.size();
     if (XML_Parse(scan.parser, content.data(), static_cast<int>(content.size()), 1) == XML_STATUS_ERROR) {
         out.push_back({file.path, XML_GetCurrentLineNumber(scan.parser), "xml",
-            std::string("not well-formed XML: ") + XML_ErrorString(XML_GetErrorCode(scan.parser))});
+            say("NotWellFormed", {XML_ErrorString(XML_GetErrorCode(scan.parser))})});
     }
     XML_ParserFree(scan.parser);
 
@@ -166,7 +166,7 @@ void read_catalog(catalog_file& file, findings& out)
         loaded = false;
     }
     if (!loaded && out.size() == before) {
-        out.push_back({file.path, 1, "format", "the catalog loader does not accept this file"});
+        out.push_back({file.path, 1, "format", say("LoaderRefuses")});
     }
     if (!loaded) {
         file.readable = false;
@@ -213,7 +213,7 @@ bool holes_of(const icu::UnicodeString& text, std::map<std::string, std::set<std
     UParseError where;
     icu::MessageFormat format(quoted, icu::Locale("en", "US", "POSIX"), where, status);
     if (U_FAILURE(status)) {
-        reason = std::string(u_errorName(status)) + " at offset " + std::to_string(where.offset);
+        reason = say("PatternError", {u_errorName(status), std::to_string(where.offset)});
         return false;
     }
     icu::MessagePattern pattern(quoted, nullptr, status);
@@ -251,6 +251,16 @@ std::vector<std::string> names_of(const std::map<std::string, std::set<std::stri
     return names;
 }
 
+// Hole types as a reader sees them: ICU's keywords as they are written, a bare hole in words.
+std::vector<std::string> typed(const std::set<std::string>& types)
+{
+    std::vector<std::string> out;
+    for (const std::string& type : types) {
+        out.push_back(type == "none" ? say("UntypedHole") : type);
+    }
+    return out;
+}
+
 void check_against_english(const catalog_file& file, const catalog_file* english, findings& out)
 {
     for (const auto& entry : file.texts) {
@@ -258,7 +268,7 @@ void check_against_english(const catalog_file& file, const catalog_file* english
         std::map<std::string, std::set<std::string>> holes;
         std::string reason;
         if (!holes_of(entry.second, holes, reason)) {
-            out.push_back({file.path, line, "messageformat", "key \"" + entry.first + "\": not a valid message pattern (" + reason + ")"});
+            out.push_back({file.path, line, "messageformat", say("InvalidPattern", {entry.first, reason})});
             continue;
         }
         if (english == nullptr || english == &file || !english->readable) {
@@ -266,7 +276,7 @@ void check_against_english(const catalog_file& file, const catalog_file* english
         }
         auto reference = english->texts.find(entry.first);
         if (reference == english->texts.end()) {
-            out.push_back({file.path, line, "extra-key", "key \"" + entry.first + "\" is not in the \"en\" catalog"});
+            out.push_back({file.path, line, "extra-key", say("ExtraKey", {entry.first})});
             continue;
         }
         std::map<std::string, std::set<std::string>> expected;
@@ -274,9 +284,10 @@ void check_against_english(const catalog_file& file, const catalog_file* english
             continue;
         }
         if (names_of(expected) != names_of(holes)) {
+            const std::string none = say("NoHoles");
             out.push_back({file.path, line, "holes",
-                "key \"" + entry.first + "\" has holes " + join(names_of(holes), " ", "none") + " where \"en\" has "
-                    + join(names_of(expected), " ", "none")});
+                say("HoleMismatch",
+                    {entry.first, join(names_of(holes), " ", none.c_str()), join(names_of(expected), " ", none.c_str())})});
             continue;
         }
         // The same holes: each must be formatted as the same kind of value, or the caller's
@@ -285,8 +296,8 @@ void check_against_english(const catalog_file& file, const catalog_file* english
             const std::set<std::string>& types = expected[hole.first];
             if (hole.second != types) {
                 out.push_back({file.path, line, "hole-type",
-                    "key \"" + entry.first + "\": hole " + hole.first + " is " + join(hole.second, "+", "")
-                        + " where \"en\" has " + join(types, "+", "")});
+                    say("HoleTypeMismatch",
+                        {entry.first, hole.first, join(typed(hole.second), "+", ""), join(typed(types), "+", "")})});
             }
         }
     }
@@ -300,7 +311,7 @@ void check_map(const fs::upath& resources, const std::string& component, finding
     const std::string expected = fi::make_catalog_map(fi::list_component_catalogs(resources, component));
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        out.push_back({path, 0, "map", "no catalog map for component \"" + component + "\" (qvi18n map writes it)"});
+        out.push_back({path, 0, "map", say("NoMap", {component})});
         return;
     }
     const std::string found((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -311,7 +322,7 @@ void check_map(const fs::upath& resources, const std::string& component, finding
         std::mismatch(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(std::min(found.size(), expected.size())),
             expected.begin()).first - found.begin());
     const unsigned long line = 1 + static_cast<unsigned long>(std::count(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
-    out.push_back({path, line, "map", "the catalog map is out of date (qvi18n map rewrites it)"});
+    out.push_back({path, line, "map", say("StaleMap")});
 }
 
 void collect_files(const std::string& dir, const std::string& catalog, const std::string& locale,
@@ -335,10 +346,9 @@ void collect_files(const std::string& dir, const std::string& catalog, const std
 
 int run_check(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("json", "print the findings as one JSON object")(
-        "no-maps", "do not look at the catalog maps")("root", po::value<std::string>()->required(),
-        "the resource root: the directory that holds resources/, or resources/ itself");
+    po::options_description options;
+    options.add_options()("json", say("HelpCheckJson").c_str())("no-maps", say("HelpNoMaps").c_str())(
+        "root", po::value<std::string>()->required(), say("HelpRoot").c_str());
     po::positional_options_description positional;
     positional.add("root", 1);
     po::variables_map values;
@@ -353,7 +363,7 @@ int run_check(const arguments& args)
     }
     // ROOT may name the resource directory itself, as the map writer allows.
     if (!is_directory(root)) {
-        return report_failure("check", "\"" + root + "\" is not a directory");
+        return report_failure("check", say("NotADirectory", {root}));
     }
     const std::string resources = utf8(fi::catalog_resource_directory(fs::upath(from_utf8(root))).get_path_name());
 
@@ -386,7 +396,7 @@ int run_check(const arguments& args)
         }
         auto reference = english.find(file.catalog);
         if (reference == english.end()) {
-            out.push_back({file.path, 1, "no-english", "catalog \"" + file.catalog + "\" has no \"en\" file"});
+            out.push_back({file.path, 1, "no-english", say("NoEnglish", {file.catalog})});
         }
         check_against_english(file, reference == english.end() ? nullptr : reference->second, out);
     }

@@ -6,6 +6,7 @@
 #include <qvi18n/qvi18n_internals.hpp>
 
 #include <cerrno>
+#include <cstring>
 #include <memory>
 #include <unistd.h>
 
@@ -37,28 +38,39 @@ bool write_all(const char* data, std::size_t size)
 const struct {
     const char* name;
     fi::codecvt_call_back_mode mode;
+    const char* form; // for --help
 } escape_modes[] = {
-    {"icu", fi::call_back_escape_icu},
-    {"java", fi::call_back_escape_java},
-    {"c", fi::call_back_escape_c},
-    {"xml-dec", fi::call_back_escape_xml_dec},
-    {"xml-hex", fi::call_back_escape_xml_hex},
-    {"unicode", fi::call_back_escape_unicode},
-    {"css2", fi::call_back_escape_css2},
+    {"icu", fi::call_back_escape_icu, "%UXXXX"},
+    {"java", fi::call_back_escape_java, "\\uXXXX"},
+    {"c", fi::call_back_escape_c, "\\uXXXX, \\UXXXXXXXX"},
+    {"xml-dec", fi::call_back_escape_xml_dec, "&#DDDD;"},
+    {"xml-hex", fi::call_back_escape_xml_hex, "&#xXXXX;"},
+    {"unicode", fi::call_back_escape_unicode, "{U+XXXX}"},
+    {"css2", fi::call_back_escape_css2, "\\XXXX"},
 };
+
+// The help of --escape: the sentence, the modes with their forms, what else to know.
+std::string escape_help()
+{
+    std::string text = say("HelpEscape");
+    for (const auto& m : escape_modes) {
+        text += "\n  " + std::string(m.name) + std::string(9 - std::strlen(m.name), ' ') + m.form;
+    }
+    return text + "\n" + say("HelpEscapeNotes");
+}
 
 } // namespace
 
 int run_convert(const arguments& args)
 {
-    po::options_description options("options");
+    po::options_description options;
     po::variables_map values;
     // What the output encoding cannot carry: substituted unless --strict or --escape says otherwise.
     fi::codecvt_call_back_mode unmappable = fi::call_back_default;
     // Checked while the options are stored, so that a bad MODE is reported as any usage error.
     auto choose_escape = [&values, &unmappable](const std::string& name) {
         if (values.count("strict") != 0) {
-            throw po::error("the options '--strict' and '--escape' cannot be given together");
+            throw usage_fault("ConflictingOptions", {"--strict", "--escape"});
         }
         for (const auto& m : escape_modes) {
             if (name == m.name) {
@@ -71,19 +83,10 @@ int run_convert(const arguments& args)
         unknown.set_prefix(po::command_line_style::allow_long);
         throw unknown;
     };
-    options.add_options()("from,f", po::value<std::string>()->required(), "the encoding of the input")(
-        "to,t", po::value<std::string>()->required(), "the encoding of the output")(
-        "strict", "fail on a byte sequence or character the encodings cannot carry (default: substitute)")(
-        "escape", po::value<std::string>()->value_name("MODE")->notifier(choose_escape),
-        "write a character the output encoding cannot carry as an escape; MODE is one of\n"
-        "  icu      %UXXXX (a pair above U+FFFF as two)\n"
-        "  java     \\uXXXX (a pair as two)\n"
-        "  c        \\uXXXX, \\UXXXXXXXX above U+FFFF\n"
-        "  xml-dec  &#DDDD;\n"
-        "  xml-hex  &#xXXXX;\n"
-        "  unicode  {U+XXXX}\n"
-        "  css2     \\XXXX and a space\n"
-        "invalid input bytes are still substituted");
+    options.add_options()("from,f", po::value<std::string>()->required()->value_name("ENC"), say("HelpFrom").c_str())(
+        "to,t", po::value<std::string>()->required()->value_name("ENC"), say("HelpTo").c_str())(
+        "strict", say("HelpStrict").c_str())(
+        "escape", po::value<std::string>()->value_name("MODE")->notifier(choose_escape), escape_help().c_str());
     po::positional_options_description positional;
     const int parsed = parse_arguments(
         "convert", "--from ENC --to ENC [--strict|--escape MODE]", args, options, positional, values);
@@ -122,7 +125,7 @@ int run_convert(const arguments& args)
             continue;
         }
         if (read < 0) {
-            return report_failure("convert", "standard input cannot be read");
+            return report_failure("convert", say("StdinUnreadable"));
         }
         const bool end = read == 0;
         const char* source = input.data();
@@ -137,7 +140,7 @@ int run_convert(const arguments& args)
                 char* bytes = output.data();
                 encoding = encoder.convert(&bytes, output.data() + output.size(), &pending, wide, end && decoding == 0);
                 if (!write_all(output.data(), static_cast<std::size_t>(bytes - output.data()))) {
-                    return report_failure("convert", "standard output cannot be written");
+                    return report_failure("convert", say("StdoutUnwritable"));
                 }
             } while (encoding == 1);
         } while (decoding == 1);

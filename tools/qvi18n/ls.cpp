@@ -15,9 +15,9 @@ namespace qvtool {
 
 int run_ls(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("pattern,p", po::value<std::string>(), "only names matching this wildcard (\"*\" only)")(
-        "all,a", "include \".\" and \"..\"")("dir", po::value<std::string>()->required(), "the directory");
+    po::options_description options;
+    options.add_options()("pattern,p", po::value<std::string>()->value_name("P"), say("HelpPattern").c_str())(
+        "all,a", say("HelpAll").c_str())("dir", po::value<std::string>()->required(), say("HelpDir").c_str());
     po::positional_options_description positional;
     positional.add("dir", 1);
     po::variables_map values;

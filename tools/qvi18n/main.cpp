@@ -10,25 +10,27 @@ namespace {
 struct subcommand {
     const char* name;
     int (*run)(const qvtool::arguments&);
-    const char* summary;
+    const char* summary; // the key of its text
 };
 
 const subcommand subcommands[] = {
-    {"status", qvtool::run_status, "what start-up decided: locale, encodings, paths, status"},
-    {"message", qvtool::run_message, "a message by identifier, formatted with its holes"},
-    {"complete", qvtool::run_complete, "how a partly typed message identifier can go on"},
-    {"convert", qvtool::run_convert, "standard input to standard output in another encoding"},
-    {"ls", qvtool::run_ls, "the names of a directory, optionally matching a wildcard"},
-    {"map", qvtool::run_map, "write the catalog maps of a resource root"},
-    {"check", qvtool::run_check, "check the catalogs and maps of a resource root"},
+    {"status", qvtool::run_status, "SummaryStatus"},
+    {"message", qvtool::run_message, "SummaryMessage"},
+    {"complete", qvtool::run_complete, "SummaryComplete"},
+    {"convert", qvtool::run_convert, "SummaryConvert"},
+    {"ls", qvtool::run_ls, "SummaryLs"},
+    {"map", qvtool::run_map, "SummaryMap"},
+    {"check", qvtool::run_check, "SummaryCheck"},
 };
 
 int usage(std::ostream& out, int status)
 {
-    out << "usage: qvi18n <command> [options] [arguments]\n"
-           "       qvi18n <command> --help\n\ncommands:\n";
+    out << qvtool::say("Usage", {qvtool::say("MainSynopsis")}) << "\n"
+        << qvtool::say("Usage", {qvtool::say("MainHelpSynopsis")}) << "\n\n"
+        << qvtool::say("Commands") << "\n";
     for (const subcommand& command : subcommands) {
-        out << "  " << command.name << std::string(10 - std::strlen(command.name), ' ') << command.summary << "\n";
+        out << "  " << command.name << std::string(10 - std::strlen(command.name), ' ') << qvtool::say(command.summary)
+            << "\n";
     }
     return status;
 }
@@ -37,6 +39,7 @@ int usage(std::ostream& out, int status)
 
 int main(int argc, char** argv)
 {
+    qvtool::start_up();
     if (argc < 2) {
         return usage(std::cerr, qvtool::exit_failure);
     }
@@ -53,6 +56,6 @@ int main(int argc, char** argv)
             }
         }
     }
-    std::cerr << "qvi18n: unknown command \"" << name << "\"\n";
+    std::cerr << "qvi18n: " << qvtool::say("UnknownCommand", {name}) << "\n";
     return usage(std::cerr, qvtool::exit_failure);
 }

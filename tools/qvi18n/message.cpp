@@ -67,11 +67,10 @@ int explain(const fi::MessageLookupExplanation& told)
 
 int run_message(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("locale,l", po::value<std::string>(), "the locale (default: the global locale)")(
-        "explain", "say why this text is the one found")("id", po::value<std::string>()->required(),
-        "the message identifier, \"catalog:key\"")("hole", po::value<std::vector<std::string>>(),
-        "the holes' values in order; whole numbers are numbers");
+    po::options_description options;
+    options.add_options()("locale,l", po::value<std::string>()->value_name("L"), say("HelpLocale").c_str())(
+        "explain", say("HelpExplain").c_str())("id", po::value<std::string>()->required(), say("HelpId").c_str())(
+        "hole", po::value<std::vector<std::string>>(), say("HelpHole").c_str());
     po::positional_options_description positional;
     positional.add("id", 1).add("hole", -1);
     po::variables_map values;
@@ -103,8 +102,8 @@ int run_message(const arguments& args)
 
 int run_complete(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("prefix", po::value<std::string>()->default_value(""), "the identifier typed so far");
+    po::options_description options;
+    options.add_options()("prefix", po::value<std::string>()->default_value(""), say("HelpPrefix").c_str());
     po::positional_options_description positional;
     positional.add("prefix", 1);
     po::variables_map values;
@@ -129,9 +128,8 @@ int run_complete(const arguments& args)
 
 int run_map(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("root", po::value<std::string>()->required(),
-        "the resource root: the directory that holds resources/, or resources/ itself");
+    po::options_description options;
+    options.add_options()("root", po::value<std::string>()->required(), say("HelpRoot").c_str());
     po::positional_options_description positional;
     positional.add("root", 1);
     po::variables_map values;

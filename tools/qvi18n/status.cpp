@@ -38,8 +38,8 @@ std::string environment(const char* name)
 
 int run_status(const arguments& args)
 {
-    po::options_description options("options");
-    options.add_options()("json", "print one JSON object");
+    po::options_description options;
+    options.add_options()("json", say("HelpJson").c_str());
     po::positional_options_description positional;
     po::variables_map values;
     const int parsed = parse_arguments("status", "[--json]", args, options, positional, values);
