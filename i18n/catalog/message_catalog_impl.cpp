@@ -1,6 +1,6 @@
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
 
-#include <qvi18n/filesystem/operations.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
 
 #include "i18n/catalog/checked_length.hpp"
 
@@ -85,8 +85,6 @@ MessageCatalogImpl::MessageCatalogImpl(
     : catalog_name(catalog)
     , file_path(path)
     , locale_name(locale)
-    , loaded(false)
-    , index_mask(0)
 {
     initializeXMLCatalog();
 }
@@ -95,16 +93,10 @@ MessageCatalogImpl::~MessageCatalogImpl() = default;
 
 void MessageCatalogImpl::initializeXMLCatalog()
 {
-    loader.reset(new XMLCatalogFileLoader);
-    store.reset(new XMLCatalogDataStore);
+    // The loader lives for the load only; it sizes the store from the file.
+    bool loaded = false;
     try {
-        // An entry takes some 40 bytes of the file at the least; sizing the table for that spares
-        // the rehashes of a growing table. Only a guess: a failure here is the loader's to report.
-        const std::uint64_t bytes = fl::filesystem::status(file_path).size;
-        store->entries.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(bytes / 40, 1u << 20)));
-    } catch (const std::exception&) { }
-    try {
-        loaded = loader->loadFile(file_path, *store);
+        loaded = XMLCatalogFileLoader().loadFile(file_path, store);
     } catch (const std::exception&) {
         loaded = false;
     }
@@ -112,54 +104,15 @@ void MessageCatalogImpl::initializeXMLCatalog()
         // A catalog is whole or absent: what was read before the failure goes with the object.
         throw boost::enable_current_exception(MessageCatalogLoadFailed(catalog_name));
     }
-    buildIndex();
-}
-
-void MessageCatalogImpl::buildIndex()
-{
-    // At most half full, so that a probe of a missing key ends soon.
-    std::size_t capacity = 16;
-    while (capacity < 2 * store->entries.size()) {
-        capacity *= 2;
-    }
-    index.assign(capacity, index_slot {0, nullptr});
-    index_mask = capacity - 1;
-    const std::hash<std::string_view> hasher;
-    for (const entry_type& entry : store->entries) {
-        const std::size_t hash = hasher(entry.first);
-        std::size_t i = hash & index_mask;
-        while (index[i].entry) {
-            i = (i + 1) & index_mask;
-        }
-        index[i] = index_slot {hash, &entry};
-    }
-}
-
-const MessageCatalogImpl::entry_type* MessageCatalogImpl::findEntry(const std::string& key) const
-{
-    const std::size_t hash = std::hash<std::string_view>()(key);
-    for (std::size_t i = hash & index_mask;; i = (i + 1) & index_mask) {
-        const index_slot& slot = index[i];
-        if (!slot.entry) {
-            return nullptr;
-        }
-        if (slot.hash == hash && slot.entry->first == key) {
-            return slot.entry;
-        }
-    }
 }
 
 ustring MessageCatalogImpl::get_message_for_key(const std::string& key) const
 {
-    if (!loaded) {
-        throw boost::enable_current_exception(MessageCatalogLoadFailed(catalog_name));
-    }
-    const entry_type* entry = findEntry(key);
-    if (!entry) {
+    std::u16string_view text;
+    if (!store.find(key, text)) {
         throw boost::enable_current_exception(MessageNotFound(catalog_name, key));
     }
-    const icu::UnicodeString& text = entry->second;
-    return ustring(text.getBuffer(), static_cast<std::size_t>(text.length()));
+    return ustring(text);
 }
 
 ustring MessageCatalogImpl::get_message_for_key(const resource_core::BaseMsgID& id) const
@@ -173,9 +126,9 @@ ustring MessageCatalogImpl::get_message_for_key(const resource_core::BaseMsgID& 
 std::vector<std::string> MessageCatalogImpl::get_all_keys() const
 {
     std::vector<std::string> keys;
-    keys.reserve(store->entries.size());
-    for (const auto& entry : store->entries) {
-        keys.push_back(entry.first);
+    keys.reserve(store.size());
+    for (std::size_t i = 0; i < store.size(); ++i) {
+        keys.emplace_back(store.key_at(i));
     }
     return keys;
 }

@@ -3,11 +3,19 @@
 
 #include <qvi18n/filesystem/operations.hpp>
 
+#include "i18n/catalog/checked_length.hpp"
+
+#include <boost/exception/exception.hpp>
 #include <boost/make_shared.hpp>
+
+#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <stdexcept>
+#include <string_view>
 
 namespace fl {
 namespace i18n {
@@ -50,17 +58,38 @@ void append_trimmed_line(std::string& value, const std::string& line)
     value.append(begin, static_cast<std::string::size_type>(end - begin));
 }
 
-// Most catalog text is ASCII, which widens unit by unit far faster than a general UTF-8 decoder.
-// The high-bit test runs a word at a time and the searches go to memchr; the copy loop has no
-// early exit, so that the compiler can vectorise it.
-// False, with `out` untouched, when the text holds a NUL or any byte above ASCII.
-bool widen_ascii(const std::string& text, icu::UnicodeString& out, bool& has_backslash)
+// Only a hint for the store: the load itself reports what is wrong with the file.
+std::uint64_t file_size(const fl::filesystem::upath& path)
 {
-    const std::size_t size = text.size();
-    if (size > 0x7fffffff) {
-        return false;
+    try {
+        return fl::filesystem::status(path).size;
+    } catch (const std::exception&) {
+        return 0;
     }
-    const char* data = text.data();
+}
+
+// The key's hash, folded to 32 bits: it places the key in the index and spares most key
+// comparisons of a probe.
+std::uint32_t tag_of(std::string_view key)
+{
+    const std::uint64_t hash = std::hash<std::string_view>()(key);
+    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
+// Offsets and lengths are kept in 32 bits; a catalog larger than that isn't one.
+std::uint32_t narrow_offset(std::size_t value)
+{
+    if (value > 0xffffffffu) {
+        throw boost::enable_current_exception(std::length_error("catalog too large"));
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
+// Most catalog text is ASCII, which widens unit by unit far faster than a general UTF-8 decoder.
+// The high-bit test runs a word at a time and the NUL and backslash searches go to memchr; the
+// copy loop has no early exit, so that the compiler can vectorise it.
+bool is_plain_ascii(const char* data, std::size_t size)
+{
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(data);
     std::uint64_t high = 0;
     std::size_t i = 0;
@@ -72,66 +101,200 @@ bool widen_ascii(const std::string& text, icu::UnicodeString& out, bool& has_bac
     for (; i < size; ++i) {
         high |= bytes[i];
     }
-    if ((high & 0x8080808080808080ull) != 0 || std::memchr(data, 0, size) != nullptr) {
-        return false;
-    }
-    char16_t* buffer = out.getBuffer(static_cast<int32_t>(size));
-    if (buffer == nullptr) {
-        return false;
-    }
-    for (std::size_t k = 0; k < size; ++k) {
-        buffer[k] = bytes[k];
-    }
-    out.releaseBuffer(static_cast<int32_t>(size));
-    has_backslash = std::memchr(data, '\\', size) != nullptr;
-    return true;
-}
-
-// A guess at a file's entry count, from its size: an entry line rarely takes fewer bytes than
-// this. Growing the table step by step costs more than the whole parse of a large catalog.
-std::size_t expected_entries(const fl::filesystem::upath& path)
-{
-    const std::uint64_t bytes_per_entry = 48;
-    const std::uint64_t most = 1u << 20;
-    try {
-        const std::uint64_t size = fl::filesystem::status(path).size;
-        return static_cast<std::size_t>(std::min(size / bytes_per_entry, most));
-    } catch (const std::exception&) {
-        // Only a hint: the load itself reports what is wrong with the file.
-        return 0;
-    }
+    return (high & 0x8080808080808080ull) == 0 && std::memchr(data, 0, size) == nullptr
+        && std::memchr(data, '\\', size) == nullptr;
 }
 
 } // namespace
 
 MessageCatalogDataStore::~MessageCatalogDataStore() = default;
 
+void MessageCatalogDataStore::expect_file_size(std::uint64_t) { }
+
+void MessageCatalogDataStore::finish_load() { }
+
+XMLCatalogDataStore::XMLCatalogDataStore()
+    : last_block_used_(0)
+    , last_block_size_(0)
+    , mask_(15)
+{
+    slots_.assign(16, slot {0, 0});
+}
+
 XMLCatalogDataStore::~XMLCatalogDataStore() = default;
 
-void XMLCatalogDataStore::reserve(std::size_t expected)
+void XMLCatalogDataStore::rehash(std::size_t slot_count)
 {
-    if (expected > entries.size()) {
-        entries.reserve(expected);
+    detail::pod_buffer<slot> fresh;
+    fresh.assign(slot_count, slot {0, 0});
+    const std::size_t mask = slot_count - 1;
+    for (std::size_t k = 0; k < slots_.size(); ++k) {
+        const slot& old = slots_[k];
+        if (old.index != 0) {
+            std::size_t i = old.tag & mask;
+            while (fresh[i].index != 0) {
+                i = (i + 1) & mask;
+            }
+            fresh[i] = old;
+        }
     }
+    slots_.swap(fresh);
+    mask_ = mask;
+}
+
+void XMLCatalogDataStore::make_room_for(std::size_t entry_count)
+{
+    // At most half full, so that a probe for a missing key ends soon.
+    std::size_t slot_count = slots_.size();
+    while (slot_count < 2 * entry_count) {
+        slot_count *= 2;
+    }
+    if (slot_count != slots_.size()) {
+        rehash(slot_count);
+    }
+}
+
+void XMLCatalogDataStore::expect_file_size(std::uint64_t bytes)
+{
+    // An entry line rarely takes fewer than 48 bytes of the file, and its key rarely more than a
+    // quarter. Growing step by step costs more than the parse of a large catalog; what the guess
+    // makes too large, finish_load() gives back.
+    const std::uint64_t most = std::uint64_t(1) << 26;
+    const std::size_t limit = static_cast<std::size_t>(std::min(bytes, most));
+    const std::size_t expected = limit / 48;
+    entries_.reserve(expected);
+    make_room_for(expected);
+    keys_.reserve(limit / 4);
+}
+
+void XMLCatalogDataStore::finish_load()
+{
+    keys_.shrink_to_fit();
+    entries_.shrink_to_fit();
+    if (last_block_used_ != 0 && last_block_used_ < last_block_size_) {
+        // Shrinking a heap block gives its tail back in place.
+        char16_t* block = text_blocks_.back().release();
+        void* smaller = std::realloc(block, last_block_used_ * sizeof(char16_t));
+        text_blocks_.back().reset(smaller != nullptr ? static_cast<char16_t*>(smaller) : block);
+        last_block_size_ = last_block_used_;
+    }
+    std::size_t slot_count = 16;
+    while (slot_count < 2 * entries_.size()) {
+        slot_count *= 2;
+    }
+    if (slot_count < slots_.size()) {
+        rehash(slot_count);
+    }
+}
+
+std::size_t XMLCatalogDataStore::locate(std::string_view key, std::uint32_t tag) const
+{
+    for (std::size_t i = tag & mask_;; i = (i + 1) & mask_) {
+        const slot& candidate = slots_[i];
+        if (candidate.index == 0 || (candidate.tag == tag && key_at(candidate.index - 1) == key)) {
+            return i;
+        }
+    }
+}
+
+std::string_view XMLCatalogDataStore::key_at(std::size_t i) const
+{
+    const entry& e = entries_[i];
+    return std::string_view(keys_.data() + e.key_offset, e.key_length);
+}
+
+std::u16string_view XMLCatalogDataStore::text_at(std::size_t i) const
+{
+    const entry& e = entries_[i];
+    if (e.text_length == 0) {
+        return std::u16string_view();
+    }
+    const char16_t* block = text_blocks_[e.text_position >> text_block_bits].get();
+    return std::u16string_view(block + (e.text_position & (text_block_units - 1)), e.text_length);
+}
+
+char16_t* XMLCatalogDataStore::text_room(std::size_t units, std::uint32_t& position)
+{
+    position = 0;
+    if (units == 0) {
+        return nullptr;
+    }
+    const bool own_block = units > text_block_units;
+    if (own_block || text_blocks_.empty() || last_block_size_ - last_block_used_ < units) {
+        if (text_blocks_.size() >= (std::size_t(1) << (32 - text_block_bits))) {
+            throw boost::enable_current_exception(std::length_error("catalog too large"));
+        }
+        const std::size_t size = own_block ? units : text_block_units;
+        void* block = std::malloc(size * sizeof(char16_t));
+        if (block == nullptr) {
+            throw boost::enable_current_exception(std::bad_alloc());
+        }
+        text_blocks_.emplace_back(static_cast<char16_t*>(block));
+        last_block_used_ = 0;
+        last_block_size_ = size;
+    }
+    position = static_cast<std::uint32_t>(((text_blocks_.size() - 1) << text_block_bits) | last_block_used_);
+    char16_t* room = text_blocks_.back().get() + last_block_used_;
+    last_block_used_ += units;
+    return room;
+}
+
+bool XMLCatalogDataStore::find(std::string_view key, std::u16string_view& text) const
+{
+    const slot& found = slots_[locate(key, tag_of(key))];
+    if (found.index == 0) {
+        return false;
+    }
+    text = text_at(found.index - 1);
+    return true;
+}
+
+std::uint32_t XMLCatalogDataStore::append_text(const std::string& value, std::size_t& units)
+{
+    const char* data = value.data();
+    const std::size_t size = value.size();
+    std::uint32_t position = 0;
+    if (is_plain_ascii(data, size)) {
+        char16_t* out = text_room(size, position);
+        const unsigned char* bytes = reinterpret_cast<const unsigned char*>(data);
+        for (std::size_t k = 0; k < size; ++k) {
+            out[k] = bytes[k];
+        }
+        units = size;
+        return position;
+    }
+    // The text is taken as a C string: it ends at the first NUL.
+    const std::size_t length = std::strlen(data);
+    icu::UnicodeString decoded
+        = icu::UnicodeString::fromUTF8(icu::StringPiece(data, detail::checked_length(length)));
+    // unescape() copies the whole text; only a text with a backslash needs it.
+    if (std::memchr(data, '\\', length) != nullptr) {
+        decoded = decoded.unescape();
+    }
+    units = static_cast<std::size_t>(decoded.length());
+    if (units != 0) {
+        std::memcpy(text_room(units, position), decoded.getBuffer(), units * sizeof(char16_t));
+    }
+    return position;
 }
 
 void XMLCatalogDataStore::addEntry(const std::string& key, const std::string& value)
 {
-    // The text is taken as a C string: it ends at the first NUL.
-    icu::UnicodeString decoded;
-    bool has_backslash = false;
-    if (!widen_ascii(value, decoded, has_backslash)) {
-        const char* text = value.c_str();
-        const std::size_t length = std::strlen(text);
-        decoded = icu::UnicodeString::fromUTF8(icu::StringPiece(text, static_cast<int32_t>(length)));
-        has_backslash = value.find('\\') < length;
+    make_room_for(entries_.size() + 1);
+    const std::uint32_t tag = tag_of(key);
+    const std::size_t where = locate(key, tag);
+    if (slots_[where].index != 0) {
+        return;
     }
-    // unescape() copies the whole text; most entries have no backslash and need no second pass.
-    if (has_backslash) {
-        decoded = decoded.unescape();
-    }
-    // try_emplace builds no node for a duplicate, and keeps the first text.
-    entries.try_emplace(key, std::move(decoded));
+    entry e {narrow_offset(keys_.size()), narrow_offset(key.size()), 0, 0};
+    std::size_t units = 0;
+    e.text_position = append_text(value, units);
+    e.text_length = narrow_offset(units);
+    std::memcpy(keys_.reserve_more(key.size()), key.data(), key.size());
+    keys_.grow(key.size());
+    *entries_.reserve_more(1) = e;
+    entries_.grow(1);
+    slots_[where] = slot {tag, narrow_offset(entries_.size())};
 }
 
 MessageCatalogFileLoader::~MessageCatalogFileLoader() = default;
@@ -140,13 +303,13 @@ XMLCatalogFileLoader::~XMLCatalogFileLoader() = default;
 
 bool XMLCatalogFileLoader::loadFile(const fl::filesystem::upath& path, MessageCatalogDataStore& store)
 {
-    if (XMLCatalogDataStore* table = dynamic_cast<XMLCatalogDataStore*>(&store)) {
-        table->reserve(expected_entries(path));
-    }
+    store.expect_file_size(file_size(path));
     boost::shared_ptr<ExpatEventHandler> handler
         = boost::make_shared<MessageCatalogExpatEventHandler>(&store);
     ExpatLoader loader(path, handler);
-    return loader.load_file();
+    const bool loaded = loader.load_file();
+    store.finish_load();
+    return loaded;
 }
 
 MessageCatalogExpatEventHandler::MessageCatalogExpatEventHandler(MessageCatalogDataStore* s)

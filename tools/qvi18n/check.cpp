@@ -181,7 +181,9 @@ void read_catalog(catalog_file& file, findings& out)
         fi::XMLCatalogDataStore decoded;
         decoded.addEntry(key, store.entries[i].second);
         file.lines[key] = scan.order[i].second;
-        file.texts[key] = decoded.entries.begin()->second;
+        std::u16string_view text;
+        decoded.find(key, text);
+        file.texts[key] = icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
     }
 }
 

@@ -24,11 +24,6 @@ using fl::filesystem::upath;
 using fl::i18n::XMLCatalogDataStore;
 using fl::i18n::XMLCatalogFileLoader;
 
-std::u16string text_of(const icu::UnicodeString& s)
-{
-    return std::u16string(s.getBuffer(), static_cast<std::size_t>(s.length()));
-}
-
 class XmlCatalog : public ::testing::Test {
 protected:
     // Writes `content` as the catalog file and loads it into `store`.
@@ -48,12 +43,12 @@ protected:
 
     std::u16string text(const std::string& key)
     {
-        XMLCatalogDataStore::entry_map::const_iterator it = store.entries.find(key);
-        if (it == store.entries.end()) {
+        std::u16string_view found;
+        if (!store.find(key, found)) {
             ADD_FAILURE() << "no entry " << key;
             return std::u16string();
         }
-        return text_of(it->second);
+        return std::u16string(found);
     }
 
     qvtest::scoped_temp_dir dir;
@@ -74,7 +69,7 @@ TEST_F(XmlCatalog, EachLineIsTrimmedAndLinesAreJoinedByOneSpace)
     EXPECT_EQ(std::u16string(u"Hello big world"), text("three"));
     EXPECT_EQ(std::u16string(u"keeps   inner\tspace"), text("inner"));
     EXPECT_EQ(std::u16string(u"starts on the next line"), text("open"));
-    EXPECT_EQ(4u, store.entries.size());
+    EXPECT_EQ(4u, store.size());
 }
 
 TEST_F(XmlCatalog, BlankLinesInsideATextDifferByWhetherTheyHoldWhiteSpace)
@@ -132,7 +127,7 @@ TEST_F(XmlCatalog, TextIsUtf8WhateverTheDeclarationSays)
 TEST_F(XmlCatalog, DuplicateKeysKeepTheFirstText)
 {
     ASSERT_TRUE(load_entries("<entry key=\"k\">first</entry>\n<entry key=\"k\">second</entry>\n"));
-    EXPECT_EQ(1u, store.entries.size());
+    EXPECT_EQ(1u, store.size());
     EXPECT_EQ(std::u16string(u"first"), text("k"));
 }
 
@@ -141,7 +136,7 @@ TEST_F(XmlCatalog, TextOutsideEntriesAndUnknownAttributesAreIgnoredAndAttributes
     ASSERT_TRUE(load("<rsccat version=\"2\" locale=\"xx\" extra=\"1\">stray\n<message note=\"n\">more stray\n"
                      "<entry id=\"7\" key=\"k\">text</entry> behind\n"
                      "<entry key=\"multi\nline\">v</entry>\n</message>\n</rsccat>\n"));
-    EXPECT_EQ(2u, store.entries.size());
+    EXPECT_EQ(2u, store.size());
     // An attribute value loses its line break, since the parser never sees it.
     EXPECT_EQ(std::u16string(u"v"), text("multiline"));
     EXPECT_EQ(std::u16string(u"text"), text("k"));
@@ -154,7 +149,7 @@ TEST_F(XmlCatalog, EmptyCatalogsLoadAsEmptyTables)
         XMLCatalogDataStore fresh;
         const std::string file = dir.write_file("empty.xml", content);
         EXPECT_TRUE(XMLCatalogFileLoader().loadFile(upath(w(file)), fresh)) << content;
-        EXPECT_TRUE(fresh.entries.empty()) << content;
+        EXPECT_TRUE(fresh.empty()) << content;
     }
 }
 
@@ -162,7 +157,7 @@ TEST_F(XmlCatalog, TruncationIsToleratedOnlyAtALineBoundary)
 {
     ASSERT_TRUE(load("<rsccat><message>\n<entry key=\"a\">A</entry>\n<entry key=\"b\">B\n"));
     EXPECT_EQ(std::u16string(u"A"), text("a"));
-    EXPECT_EQ(1u, store.entries.size());
+    EXPECT_EQ(1u, store.size());
 
     // Without a final line break the last line is parsed as the end of the document.
     EXPECT_FALSE(load("<rsccat><message>\n<entry key=\"a\">A</entry>\n<entry key=\"b\">B"));
@@ -186,8 +181,8 @@ TEST_F(XmlCatalog, MalformedCatalogsFailAndKeepWhatWasReadBefore)
             = dir.write_file("bad.xml", "<rsccat><message>\n" + c.second + "</message></rsccat>\n");
         EXPECT_FALSE(XMLCatalogFileLoader().loadFile(upath(w(file)), fresh)) << c.first;
         // What came before the fault is in the store; the caller decides to drop it.
-        ASSERT_EQ(1u, fresh.entries.size()) << c.first;
-        EXPECT_EQ(std::u16string(u"A"), text_of(fresh.entries.begin()->second)) << c.first;
+        ASSERT_EQ(1u, fresh.size()) << c.first;
+        EXPECT_EQ(std::u16string(u"A"), std::u16string(fresh.text_at(0))) << c.first;
     }
 }
 
@@ -214,7 +209,7 @@ TEST_F(XmlCatalog, NestedEntryStoresUnderTheInnerKeyThenFails)
 {
     EXPECT_FALSE(load("<rsccat><message>\n<entry key=\"outer\">before\n<entry key=\"inner\">in</entry>\n"
                       "after</entry>\n</message></rsccat>\n"));
-    ASSERT_EQ(1u, store.entries.size());
+    ASSERT_EQ(1u, store.size());
     EXPECT_EQ(std::u16string(u"before in"), text("inner"));
 }
 
@@ -222,7 +217,7 @@ TEST_F(XmlCatalog, MissingOrUnreadableFilesFail)
 {
     EXPECT_FALSE(XMLCatalogFileLoader().loadFile(upath(w(dir / "absent.xml")), store));
     EXPECT_FALSE(XMLCatalogFileLoader().loadFile(upath(w(dir.make_dir("adir"))), store));
-    EXPECT_TRUE(store.entries.empty());
+    EXPECT_TRUE(store.empty());
 }
 
 TEST_F(XmlCatalog, StoreDecodesAndUnescapesOnItsOwn)
@@ -235,6 +230,39 @@ TEST_F(XmlCatalog, StoreDecodesAndUnescapesOnItsOwn)
     // Malformed UTF-8 is replaced, not dropped.
     store.addEntry("bad", "a\xff");
     EXPECT_EQ(std::u16string(u"a\ufffd"), text("bad"));
+}
+
+TEST_F(XmlCatalog, TextsOfEverySizeSurviveTheirBlocksFillingUp)
+{
+    // Texts of varied lengths fill several of the store's blocks; one is longer than a block, one
+    // is empty, and each must come back whole after the store has given back its spare room.
+    std::map<std::string, std::string> written;
+    std::string content;
+    for (int i = 0; i < 4000; ++i) {
+        const std::string key = "k" + std::to_string(i);
+        std::string text(static_cast<std::size_t>(i % 97), static_cast<char>('a' + i % 26));
+        if (i == 1234) {
+            text.assign(70000, 'L');
+        }
+        if (i == 77) {
+            text.clear();
+        }
+        if (i % 500 == 1) {
+            text += "\u00e9";
+        }
+        written[key] = text;
+        content += "<entry key=\"" + key + "\">" + text + "</entry>\n";
+    }
+    ASSERT_TRUE(load_entries(content));
+    ASSERT_EQ(written.size(), store.size());
+    for (const auto& entry : written) {
+        std::string expected = entry.second;
+        const std::string::size_type escape = expected.find("\\u00e9");
+        if (escape != std::string::npos) {
+            expected.replace(escape, 6, "\xc3\xa9");
+        }
+        ASSERT_EQ(w(expected), text(entry.first)) << entry.first;
+    }
 }
 
 } // namespace

@@ -7,9 +7,7 @@
 #include <qvi18n/filesystem/path.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
-#include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,27 +44,13 @@ public:
         const ustring& pattern, const hole_values& holes, bool check_hole_count);
 
 private:
-    typedef XMLCatalogDataStore::entry_map::value_type entry_type;
-
-    // An open-addressing index over the store's entries, built once after loading: one probe of a
-    // flat array, usually a single cache line, in place of a walk of the store's bucket chain.
-    struct index_slot {
-        std::size_t hash;
-        const entry_type* entry;
-    };
-
+    // Loads the file into the store, or throws MessageCatalogLoadFailed.
     void initializeXMLCatalog();
-    void buildIndex();
-    const entry_type* findEntry(const std::string& key) const;
 
     std::string catalog_name;
     fl::filesystem::upath file_path;
     std::string locale_name;
-    std::unique_ptr<MessageCatalogFileLoader> loader;
-    std::unique_ptr<XMLCatalogDataStore> store;
-    bool loaded;
-    std::vector<index_slot> index;
-    std::size_t index_mask;
+    XMLCatalogDataStore store;
 };
 
 } // namespace i18n
