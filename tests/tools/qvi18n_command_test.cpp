@@ -182,6 +182,10 @@ TEST_F(QvI18nCommand, OwnTextsFollowTheUsersLanguage)
     const outcome overview = run("--help", "de_DE.UTF-8");
     EXPECT_NE(overview.out.find("\n  check     die Kataloge"), std::string::npos) << overview.out;
 
+    const outcome told = run("message --explain fl:filesystem:NoSuchKey", "fr_FR.UTF-8");
+    EXPECT_EQ(told.status, 1);
+    EXPECT_NE(told.out.find("\ncl\xc3\xa9 trouv\xc3\xa9" "e : non\n"), std::string::npos) << told.out;
+
     // A language without catalogs reads English; so does one only LC_MESSAGES names elsewhere.
     EXPECT_EQ(run("status --no-such-option", "xx_YY.UTF-8").err,
         "qvi18n status: unknown option --no-such-option\nusage: qvi18n status [--json]\n");

@@ -30,36 +30,40 @@ fi::hole_value hole_from_argument(const std::string& text)
     return from_utf8(text);
 }
 
-// Prints the look-up step by step; the status says whether it gave a text.
+// Prints the look-up step by step, labelled in the user's language; the status says whether it
+// gave a text.
 int explain(const fi::MessageLookupExplanation& told)
 {
-    static const char* const sources[] = {"no catalog", "cache hit", "cache hit of a fall-back", "loaded from file"};
-    std::cout << "catalog: " << told.catalog << "\nkey: " << told.key << "\nlocale: " << told.requested_locale
-              << "\nfall-backs:";
+    static const char* const sources[] = {"SourceNoCatalog", "SourceCacheHit", "SourceCacheHitFallback", "SourceLoaded"};
+    std::cout << say("ExplainCatalog") << " " << told.catalog << "\n"
+              << say("ExplainKey") << " " << told.key << "\n"
+              << say("ExplainLocale") << " " << told.requested_locale << "\n"
+              << say("ExplainFallbacks");
     for (const std::string& locale : told.fallback_locales) {
         std::cout << " " << (locale.empty() ? "\"\"" : locale);
     }
-    std::cout << "\nroots:\n";
+    std::cout << "\n" << say("ExplainRoots") << "\n";
     for (const fl::filesystem::upath& root : told.roots) {
         std::cout << "  " << utf8(root.get_path_name()) << "\n";
     }
-    std::cout << "candidates:\n";
+    std::cout << say("ExplainCandidates") << "\n";
     for (std::size_t i = 0; i < told.candidates.size(); ++i) {
         const fi::MessageLookupCandidate& c = told.candidates[i];
         std::cout << (static_cast<int>(i) == told.chosen_index ? "* " : "  ") << c.locale << " "
-                  << utf8(c.path.get_path_name()) << (c.exists ? "" : " (missing)") << "\n";
+                  << utf8(c.path.get_path_name()) << (c.exists ? "" : " " + say("ExplainMissing")) << "\n";
     }
-    std::cout << "source: " << sources[told.source];
+    std::cout << say("ExplainSource") << " " << say(sources[told.source]);
     if (!told.cache_key.empty()) {
-        std::cout << " (cache key " << told.cache_key << ")";
+        std::cout << " " << say("ExplainCacheKey", {told.cache_key});
     }
-    std::cout << "\nchosen: " << (told.chosen.get_path_name().empty() ? std::string("-") : utf8(told.chosen.get_path_name()));
-    std::cout << "\nkey found: " << (told.key_found ? "yes" : "no") << "\n";
+    std::cout << "\n" << say("ExplainChosen") << " "
+              << (told.chosen.get_path_name().empty() ? std::string("-") : utf8(told.chosen.get_path_name())) << "\n"
+              << say("ExplainKeyFound") << " " << say(told.key_found ? "Yes" : "No") << "\n";
     if (told.succeeded()) {
-        std::cout << "text: " << utf8(told.text) << "\n";
+        std::cout << say("ExplainText") << " " << utf8(told.text) << "\n";
         return exit_ok;
     }
-    std::cout << "failure: " << told.error_text << "\n";
+    std::cout << say("ExplainFailure") << " " << utf8(fi::describe_failure(told.error, fi::QvLocale::global())) << "\n";
     return exit_finding;
 }
 
