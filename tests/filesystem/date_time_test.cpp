@@ -3,7 +3,6 @@
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>
 #include <boost/date_time/posix_time/posix_time.hpp>
-#include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -59,18 +58,6 @@ TEST(DateTimeConversion, RefusesTimesOffTheTimeLine)
             EXPECT_STREQ("fl:i18n:date_time:invalid_data_error", e.what());
         }
     }
-}
-
-TEST(DateTimeConversion, FailureCrossesThreadsAsItsOwnType)
-{
-    boost::exception_ptr captured;
-    try {
-        ptime_to_time_t(ptime());
-    } catch (...) {
-        captured = boost::current_exception();
-    }
-    ASSERT_TRUE(captured);
-    EXPECT_THROW(boost::rethrow_exception(captured), invalid_data_error);
 }
 
 } // namespace

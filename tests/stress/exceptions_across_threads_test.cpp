@@ -4,7 +4,11 @@
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/filesystem/date_time.hpp>
 #include <qvi18n/i18n/conversion/codecvt.hpp>
+#include <qvi18n/i18n/ctype/character_handling_mode_context.hpp>
+#include <qvi18n/i18n/ctype/pattern_match.hpp>
+#include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include <boost/exception_ptr.hpp>
@@ -70,4 +74,26 @@ TEST(ExceptionsAcrossThreads, EachFamilyKeepsItsClassAndData)
     // Asked before any root was set up.
     carried = fail_on_a_thread([] { MessageCatalog::GetMessageCatalog(CatalogID("a:b"), fl::i18n::QvLocale::global()); });
     EXPECT_THROW(boost::rethrow_exception(carried), MessageCatalog::MessageCatalogNotInitialized);
+}
+
+TEST(ExceptionsAcrossThreads, DatabaseTimeAndCharacterFailuresKeepTheirClass)
+{
+    boost::exception_ptr carried = fail_on_a_thread([] {
+        fl::i18n::LcData data;
+        fl::i18n::parseLcData(data, fs::native_path("/no/such/lcdata.xml"));
+    });
+    try {
+        boost::rethrow_exception(carried);
+    } catch (const fl::i18n::LcRscOpenFileFailure& e) {
+        EXPECT_EQ(e.get_path(), "/no/such/lcdata.xml");
+    }
+
+    carried = fail_on_a_thread([] { fl::i18n::date_time::ptime_to_time_t(boost::posix_time::ptime()); });
+    EXPECT_THROW(boost::rethrow_exception(carried), fl::i18n::date_time::invalid_data_error);
+
+    carried = fail_on_a_thread([] { fl::i18n::character_handling_mode_context mode(16); });
+    EXPECT_THROW(boost::rethrow_exception(carried), fl::i18n::CtypeInvalidArgument);
+
+    carried = fail_on_a_thread([] { fl::i18n::pattern_match(u"[", fl::i18n::character_handling_mode_context(0)); });
+    EXPECT_THROW(boost::rethrow_exception(carried), fl::i18n::RegexFailedObjectCreation);
 }

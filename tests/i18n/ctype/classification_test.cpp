@@ -1,7 +1,6 @@
 #include <qvi18n/i18n/ctype/classification.hpp>
 #include <qvi18n/i18n/ctype/detail/ctype_throw.hpp>
 
-#include <boost/exception_ptr.hpp>
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
@@ -212,7 +211,7 @@ TEST(CtypeClassification, ScanJoinsASurrogatePairOnlyWhenATrailFollowsIt)
     EXPECT_EQ(lcctype::scan(alpha, lone.data(), lone.data() + 2, is_not_posix()), lone.data() + 1);
 }
 
-TEST(CtypeClassification, ExceptionsCarryTheirTextsAcrossThreads)
+TEST(CtypeClassification, TheThrowHelperRaisesTheExactClass)
 {
     try {
         lcctype::detail::throw_ctype_invalid_character_exception();
@@ -220,11 +219,5 @@ TEST(CtypeClassification, ExceptionsCarryTheirTextsAcrossThreads)
     } catch (const CtypeExceptionBase& e) {
         EXPECT_STREQ(e.what(), "Invalid character error.");
         EXPECT_NE(dynamic_cast<const CtypeInvalidCharacter*>(&e), nullptr);
-        boost::exception_ptr carried = boost::current_exception();
-        EXPECT_THROW(boost::rethrow_exception(carried), CtypeInvalidCharacter);
     }
-    EXPECT_STREQ(CtypeInvalidArgument().what(), "Invalid argument error.");
-    EXPECT_STREQ(CtypeSizeTooLarge().what(), "Data size too large.");
-    EXPECT_STREQ(CtypeTransformFailure().what(), "Transformation failure.");
-    EXPECT_STREQ(CtypeStrCompFailure().what(), "String comparison failure.");
 }

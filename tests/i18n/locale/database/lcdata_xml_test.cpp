@@ -5,7 +5,6 @@
 
 #include <qvtest/scoped_temp_dir.hpp>
 
-#include <boost/exception_ptr.hpp>
 
 #include <gtest/gtest.h>
 
@@ -313,15 +312,3 @@ TEST(LcDataXml, ExceptionTextsAndIdentifiers)
     EXPECT_EQ(fl::i18n::LcRscInavlidPathName("").get_identifier(), "fl:i18n:LcRscInavlidPathName");
 }
 
-TEST(LcDataXml, FailuresCrossThreadsAsTheirOwnClass)
-{
-    boost::exception_ptr caught;
-    try {
-        LcData data;
-        parseText(data, "<lcdata><nope/></lcdata>");
-    } catch (...) {
-        caught = boost::current_exception();
-    }
-    ASSERT_TRUE(caught);
-    EXPECT_THROW(boost::rethrow_exception(caught), fl::i18n::LcRscInvalidXmlDoc);
-}
