@@ -11,12 +11,18 @@
 
 namespace {
 
-// Refusal is a false result; any exception escapes and is reported as a finding.
+// Refusal is a false result; any exception escapes and is reported as a finding. Whatever was
+// stored, every key finds its own text through the index.
 bool load(const fl::filesystem::upath& file)
 {
     fl::i18n::XMLCatalogDataStore store;
     fl::i18n::XMLCatalogFileLoader loader;
-    return loader.loadFile(file, store);
+    const bool loaded = loader.loadFile(file, store);
+    for (std::size_t i = 0; i < store.size(); ++i) {
+        std::u16string_view text;
+        qvfuzz::check(store.find(store.key_at(i), text) && text == store.text_at(i));
+    }
+    return loaded;
 }
 
 } // namespace
