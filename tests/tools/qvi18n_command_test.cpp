@@ -3,14 +3,20 @@
 
 #include <qvtest/scoped_temp_dir.hpp>
 
+#include <qvi18n/i18n/catalog/message_catalog_data_store.hpp>
+#include <qvi18n/i18n/catalog/message_catalog_file_loader.hpp>
 #include <qvi18n/qvi18n.hpp>
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -25,6 +31,8 @@ protected:
     qvtest::scoped_temp_dir home;
     // More NAME=value words for the command's environment.
     std::string environment;
+    // Words in front of the command, such as a change of user.
+    std::string prefix;
 
     outcome run(const std::string& args, const std::string& lang = "C.UTF-8", const std::string& input = "")
     {
@@ -38,7 +46,7 @@ protected:
                 sanitizers += std::string(" ") + name + "='" + value + "'";
             }
         }
-        const std::string command = "env -i HOME=" + home.path() + " XDG_CONFIG_HOME=" + home.path()
+        const std::string command = prefix + "env -i HOME=" + home.path() + " XDG_CONFIG_HOME=" + home.path()
             + " LANG=" + lang + " " + environment + sanitizers + " " + tool + " " + args + " <" + in + " 2>" + err;
         outcome result{-1, std::string(), std::string()};
         FILE* pipe = ::popen(command.c_str(), "r");
@@ -92,13 +100,142 @@ TEST_F(QvI18nCommand, CheckFindsEachFaultOnItsLine)
         + r + "it/a.xml:4: extra-key: key \"Ciao\" is not in the \"en\" catalog\n"
         + r + "ja/a.xml:4: hole-type: key \"Hello\": hole {0} is date where \"en\" has none\n"
         + r + "nl/a.xml:2: format: element <catalog> is not allowed as the root\n"
-        + r + "nl/a.xml:3: format: element <entry> is not allowed inside <catalog>\n"
         + r + "pt/a.xml:5: xml: not well-formed XML: not well-formed (invalid token)\n");
     EXPECT_EQ(result.status, 1);
 
     const outcome json = run("check --no-maps --json " + root.path());
     EXPECT_EQ(json.status, 1);
     EXPECT_NE(json.out.find("{\"file\": \"" + r + "it/a.xml\", \"line\": 4, \"kind\": \"extra-key\""), std::string::npos);
+}
+
+// The findings of a check, by file below `base`: "line kind" each.
+std::map<std::string, std::vector<std::string>> by_file(const std::string& out, const std::string& base)
+{
+    std::map<std::string, std::vector<std::string>> found;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t colon = line.find(':', base.size());
+        const std::size_t kind_end = line.find(':', line.find(':', colon + 1) + 2);
+        found[line.substr(base.size(), colon - base.size())].push_back(
+            line.substr(colon + 1, line.find(':', colon + 1) - colon - 1) + " "
+            + line.substr(line.find(':', colon + 1) + 2, kind_end - line.find(':', colon + 1) - 2));
+    }
+    return found;
+}
+
+bool loader_takes(const std::string& path)
+{
+    fl::i18n::XMLCatalogDataStore store;
+    try {
+        return fl::i18n::XMLCatalogFileLoader().loadFile(fl::filesystem::upath(std::u16string(path.begin(), path.end())), store);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+// One fault a file, each where the loader meets it; files the loader takes are never a fault of
+// their form, and each file the loader refuses is one.
+TEST_F(QvI18nCommand, CheckAgreesWithTheLoader)
+{
+    qvtest::scoped_temp_dir root;
+    root.write_file("resources/c/en/a.xml", english);
+    const std::string bye = "    <entry key=\"Bye\">Bye.</entry>\n";
+    const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    const std::map<std::string, std::string> files = {
+        {"second_message", head + "<rsccat>\n  <message>\n  </message>\n  <message>\n" + bye + "  </message>\n</rsccat>\n"},
+        {"entry_in_root", head + "<rsccat>\n" + bye + "</rsccat>\n"},
+        {"entry_after_message", head + "<rsccat>\n  <message>\n  </message>\n" + bye + "</rsccat>\n"},
+        {"no_key", catalog("    <entry name=\"Bye\">Bye.</entry>\n")},
+        {"empty_key", catalog("    <entry key=\"\">Bye.</entry>\n")},
+        {"nested", catalog("    <entry key=\"Bye\">Bye\n      <entry key=\"Hello\">Hi {0}</entry>\n    </entry>\n")},
+        {"wrong_root", head + "<catalog>\n  <message>\n" + bye + "  </message>\n</catalog>\n"},
+        {"unknown_element", catalog("    <entry key=\"Bye\">Bye <b>now</b></entry>\n")},
+        {"break_in_tag", catalog("    <entry\nkey=\"Bye\">Bye.</entry>\n")},
+        {"root_attribute", head + "<rsccat note=\"locale\">\n  <message>\n" + bye + "  </message>\n</rsccat>\n"},
+        {"zero_bytes", ""},
+        {"cut_after_line", catalog(bye).substr(0, catalog(bye).find("  </message>"))},
+        {"cut_in_line", catalog(bye).substr(0, catalog(bye).find("</entry>") + 3)},
+        {"bad_utf8", catalog("    <entry key=\"Bye\">By\xff.</entry>\n")},
+        {"nul", catalog("    <entry key=\"Bye\">By" + std::string(1, '\0') + ".</entry>\n")},
+        {"bom", "\xef\xbb\xbf" + catalog(bye)},
+        {"crlf", "<?xml version=\"1.0\"?>\r\n<rsccat>\r\n<message>\r\n<entry\r\nkey=\"Bye\">Bye\r\nnow.</entry>\r\n</message>\r\n</rsccat>\r\n"},
+        {"break_after_space", catalog("    <entry \n      key=\"Bye\">Bye.</entry>\n")},
+    };
+    for (const auto& file : files) {
+        // Each in a locale of its own, beside the English catalog.
+        root.write_file("resources/c/" + file.first + "/a.xml", file.second);
+    }
+    root.write_file("resources/c/en/d1/d2/d3/d4/d5/d6/deep.xml", english);
+
+    const outcome result = run("check --no-maps " + root.path());
+    EXPECT_EQ(result.status, 1);
+    const std::string r = root.path() + "/resources/c/";
+    const std::map<std::string, std::vector<std::string>> found = by_file(result.out, r);
+    typedef std::vector<std::string> v;
+    const std::map<std::string, std::vector<std::string>> expected = {
+        {"second_message/a.xml", v {"5 format"}},
+        {"entry_in_root/a.xml", v {"3 format"}},
+        {"entry_after_message/a.xml", v {"5 layout"}},
+        {"no_key/a.xml", v {"4 format"}},
+        {"empty_key/a.xml", v {"4 format"}},
+        {"nested/a.xml", v {"5 format"}},
+        {"wrong_root/a.xml", v {"2 format"}},
+        {"unknown_element/a.xml", v {"4 format"}},
+        {"break_in_tag/a.xml", v {"4 format"}},
+        {"root_attribute/a.xml", v {"2 format"}},
+        {"zero_bytes/a.xml", v {"1 xml"}},
+        {"cut_after_line/a.xml", v {"5 xml"}},
+        {"cut_in_line/a.xml", v {"4 xml"}},
+        {"bad_utf8/a.xml", v {"4 xml"}},
+        {"nul/a.xml", v {"4 xml"}},
+    };
+    EXPECT_EQ(found, expected) << result.out;
+
+    for (const auto& file : files) {
+        const auto faults = found.find(file.first + "/a.xml");
+        const bool form_fault = faults != found.end()
+            && (faults->second[0].find(" format") != std::string::npos || faults->second[0].find(" xml") != std::string::npos);
+        if (!loader_takes(r + file.first + "/a.xml")) {
+            EXPECT_TRUE(form_fault) << file.first << " is refused by the loader";
+        } else if (faults != found.end()) {
+            EXPECT_EQ(faults->second[0].find(" format"), std::string::npos) << file.first << " is taken by the loader";
+        }
+    }
+}
+
+// What the command can't read is a finding of its own, once; the maps of what can't be listed
+// aren't judged. CI runs as root, which reads everything: the command runs as user 65534 there.
+TEST_F(QvI18nCommand, CheckReportsWhatItCannotRead)
+{
+    qvtest::scoped_temp_dir root;
+    ASSERT_EQ(0, ::chmod(root.path().c_str(), 0755));
+    root.write_file("resources/c/en/a.xml", english);
+    root.write_file("resources/c/en/x/b.xml", english);
+    root.write_file("resources/c/de/a.xml", catalog("    <entry key=\"Bye\">Tsch\xc3\xbcss.</entry>\n"));
+    root.make_dir("resources/empty/en");
+    ASSERT_EQ(run("map " + root.path()).status, 0);
+    if (::geteuid() == 0) {
+        prefix = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+    }
+    const std::string r = root.path() + "/resources/";
+    const std::string map = r + "../derived/share/resources/c/catalog_map.xml";
+    // A component without catalogs has no map to miss.
+    EXPECT_EQ(run("check " + root.path()).out, "");
+
+    ASSERT_EQ(0, ::chmod((r + "c/de/a.xml").c_str(), 0));
+    EXPECT_EQ(run("check " + root.path()).out, r + "c/de/a.xml:0: unreadable: file cannot be read\n");
+    ASSERT_EQ(0, ::chmod((r + "c/de/a.xml").c_str(), 0644));
+
+    ASSERT_EQ(0, ::chmod((r + "c/en/x").c_str(), 0));
+    const outcome directory = run("check " + root.path());
+    EXPECT_EQ(directory.out.rfind(r + "c/en/x:0: unreadable: ", 0), 0u) << directory.out;
+    EXPECT_EQ(std::count(directory.out.begin(), directory.out.end(), '\n'), 1) << directory.out;
+    EXPECT_EQ(directory.status, 1);
+    ASSERT_EQ(0, ::chmod((r + "c/en/x").c_str(), 0755));
+
+    ASSERT_EQ(0, ::chmod(map.c_str(), 0));
+    EXPECT_EQ(run("check " + root.path()).out, map + ":0: unreadable: file cannot be read\n");
+    ASSERT_EQ(0, ::chmod(map.c_str(), 0644));
 }
 
 TEST_F(QvI18nCommand, MapWritesWhatCheckExpects)

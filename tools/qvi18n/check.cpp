@@ -18,6 +18,8 @@
 #include <set>
 #include <sstream>
 
+#include <unistd.h>
+
 namespace po = boost::program_options;
 namespace fi = fl::i18n;
 namespace fs = fl::filesystem;
@@ -78,63 +80,222 @@ bool ends_with(const std::string& text, const std::string& tail)
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
-// The structure the loader accepts, element by element, with the line each entry starts on.
-struct structure_scan {
-    XML_Parser parser;
-    catalog_file* file;
-    findings* out;
-    std::vector<std::string> open;
-    std::map<std::string, unsigned long> seen;
-    std::vector<std::pair<std::string, unsigned long>> order;
-
-    void fault(const std::string& kind, const std::string& text)
-    {
-        out->push_back({file->path, XML_GetCurrentLineNumber(parser), kind, text});
-    }
-};
-
-void XMLCALL on_start(void* data, const XML_Char* name, const XML_Char** attributes)
-{
-    structure_scan& scan = *static_cast<structure_scan*>(data);
-    const std::string element = name;
-    const std::string parent = scan.open.empty() ? std::string() : scan.open.back();
-    scan.open.push_back(element);
-    const char* expected_parent = element == "rsccat" ? "" : element == "message" ? "rsccat" : element == "entry" ? "message" : nullptr;
-    if (expected_parent == nullptr || parent != expected_parent) {
-        scan.fault("format", parent.empty() ? say("ElementAsRoot", {element}) : say("ElementInside", {element, parent}));
-        return;
-    }
-    if (element != "entry") {
-        return;
-    }
-    const char* key = nullptr;
-    for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
-        if (std::string(*a) == "key") {
-            key = a[1];
-        }
-    }
-    if (key == nullptr || *key == '\0') {
-        scan.fault("format", say("EntryWithoutKey"));
-        return;
-    }
-    const unsigned long line = XML_GetCurrentLineNumber(scan.parser);
-    if (!scan.seen.emplace(key, line).second) {
-        scan.fault("duplicate", say("DuplicateKey", {key, std::to_string(scan.seen[key])}));
-    }
-    scan.order.emplace_back(key, line);
-}
-
-void XMLCALL on_end(void* data, const XML_Char*)
-{
-    static_cast<structure_scan*>(data)->open.pop_back();
-}
-
-// Collects what the library's loader reads, in the order it reads it.
+// Collects what the library's handler hands over, in the order it does.
 class collecting_store : public fi::MessageCatalogDataStore {
 public:
     void addEntry(const std::string& key, const std::string& value) override { entries.emplace_back(key, value); }
     std::vector<std::pair<std::string, std::string>> entries;
 };
+
+// The file fed to the library's own catalog handler exactly as the loader feeds it: one line at a
+// time, without its line end, and the last line final only when no line end follows it. So the
+// scan stops where the loader stops, and can tell on which line of the file that is.
+struct line_scan {
+    XML_Parser parser = nullptr;
+    collecting_store store;
+    fi::MessageCatalogExpatEventHandler handler {&store};
+    // Where each line of the file begins among the bytes given to the parser.
+    std::vector<XML_Index> line_starts;
+    bool new_line = true;
+
+    struct element {
+        std::string name;
+        unsigned long line;
+        bool has_key;
+        unsigned long first_inner_entry;
+    };
+    std::vector<element> open;
+    // The line of the start tag that last named each key, and the line of each stored entry.
+    std::map<std::string, unsigned long> key_lines;
+    std::vector<unsigned long> entry_lines;
+    // Entries the loader takes although they stand outside <message>.
+    std::vector<finding> misplaced;
+
+    bool refused = false;
+    unsigned long refused_line = 0;
+    std::string refused_text;
+
+    unsigned long line_here() const
+    {
+        const XML_Index at = XML_GetCurrentByteIndex(parser);
+        return static_cast<unsigned long>(std::upper_bound(line_starts.begin(), line_starts.end(), at) - line_starts.begin());
+    }
+
+    void refuse(unsigned long line, const std::string& text)
+    {
+        refused = true;
+        refused_line = line;
+        refused_text = text;
+        XML_StopParser(parser, XML_FALSE);
+    }
+};
+
+// Why the handler refused the start tag `name` below `parent`.
+std::string refused_start(const std::string& name, const std::string& parent, const XML_Char** attributes)
+{
+    if (name == "rsccat" && parent.empty()) {
+        // The loader walks the attributes of the root by single words: a value that reads
+        // "version" or "locale" is taken for a name, and the last such one has no value.
+        std::string attribute;
+        std::string value;
+        for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
+            if (std::string(a[1]) == "version" || std::string(a[1]) == "locale") {
+                attribute = a[0];
+                value = a[1];
+            }
+        }
+        return say("RootAttributeWithoutValue", {attribute, value});
+    }
+    if (name == "message" && parent == "rsccat") {
+        return say("SecondMessage");
+    }
+    return parent.empty() ? say("ElementAsRoot", {name}) : say("ElementInside", {name, parent});
+}
+
+void XMLCALL on_start(void* data, const XML_Char* name, const XML_Char** attributes)
+{
+    line_scan& scan = *static_cast<line_scan*>(data);
+    const std::string element = name;
+    const unsigned long line = scan.line_here();
+    const std::string parent = scan.open.empty() ? std::string() : scan.open.back().name;
+    bool has_key = false;
+    if (element == "entry") {
+        for (const XML_Char** a = attributes; *a != nullptr; a += 2) {
+            if (std::string(*a) == "key" && *a[1] != '\0') {
+                scan.key_lines[a[1]] = line;
+                has_key = true;
+            }
+        }
+        if (parent == "entry" && scan.open.back().first_inner_entry == 0) {
+            scan.open.back().first_inner_entry = line;
+        }
+    }
+    scan.open.push_back({element, line, has_key, 0});
+    if (!scan.handler.elementStart(name, attributes)) {
+        scan.refuse(line, refused_start(element, parent, attributes));
+    } else if (element == "entry" && parent != "message" && parent != "entry") {
+        scan.misplaced.push_back({std::string(), line, "layout", say("ElementInside", {element, parent})});
+    }
+}
+
+void XMLCALL on_end(void* data, const XML_Char* name)
+{
+    line_scan& scan = *static_cast<line_scan*>(data);
+    const line_scan::element closed = scan.open.back();
+    scan.open.pop_back();
+    const std::size_t stored = scan.store.entries.size();
+    const bool ok = scan.handler.elementEnd(name);
+    if (scan.store.entries.size() != stored) {
+        scan.entry_lines.push_back(scan.key_lines[scan.store.entries.back().first]);
+    }
+    if (!ok) {
+        // Only an entry is refused at its end: its key is missing, or an entry inside it took it.
+        if (closed.has_key && closed.first_inner_entry != 0) {
+            scan.refuse(closed.first_inner_entry, say("ElementInside", {"entry", "entry"}));
+        } else {
+            scan.refuse(closed.line, say("EntryWithoutKey"));
+        }
+    }
+}
+
+void XMLCALL on_text(void* data, const XML_Char* text, int length)
+{
+    line_scan& scan = *static_cast<line_scan*>(data);
+    scan.handler.elementData(text, length, scan.new_line);
+    scan.new_line = false;
+}
+
+// Expat's complaint about the file as a whole, with its line, or false when it is well formed.
+// The loader never gives the parser a final call for a file that ends in a line end, so a file
+// cut off after a line, or empty, loads: only this tells.
+bool not_well_formed(const std::string& content, unsigned long& line, std::string& text)
+{
+    const XML_Parser parser = XML_ParserCreate("UTF-8");
+    const bool bad = XML_Parse(parser, content.data(), static_cast<int>(content.size()), XML_TRUE) == XML_STATUS_ERROR;
+    if (bad) {
+        line = static_cast<unsigned long>(XML_GetCurrentLineNumber(parser));
+        text = say("NotWellFormed", {XML_ErrorString(XML_GetErrorCode(parser))});
+    }
+    XML_ParserFree(parser);
+    return bad;
+}
+
+// One finding for the first fault of the file's form, as the loader meets it.
+void scan_catalog(catalog_file& file, const std::string& content, findings& out)
+{
+    line_scan scan;
+    scan.parser = XML_ParserCreate("UTF-8");
+    XML_SetUserData(scan.parser, &scan);
+    XML_SetElementHandler(scan.parser, on_start, on_end);
+    XML_SetCharacterDataHandler(scan.parser, on_text);
+    std::vector<std::pair<std::size_t, std::size_t>> lines;
+    // What the parser is given: the lines without their ends.
+    std::string joined;
+    XML_Index fed = 0;
+    for (std::size_t begin = 0; begin < content.size();) {
+        const std::size_t end = content.find('\n', begin);
+        const std::size_t stop = end == std::string::npos ? content.size() : end;
+        lines.emplace_back(begin, stop - begin);
+        scan.line_starts.push_back(fed);
+        fed += static_cast<XML_Index>(stop - begin);
+        joined.append(content, begin, stop - begin);
+        begin = end == std::string::npos ? content.size() : end + 1;
+    }
+    bool parse_error = false;
+    for (std::size_t i = 0; i < lines.size() && !parse_error; ++i) {
+        const bool last = lines[i].first + lines[i].second == content.size();
+        scan.new_line = true;
+        parse_error = XML_Parse(scan.parser, content.data() + lines[i].first, static_cast<int>(lines[i].second),
+                          last ? XML_TRUE : XML_FALSE)
+            == XML_STATUS_ERROR;
+    }
+    unsigned long error_line = 0;
+    if (parse_error) {
+        // The tag the parser choked on begins at the last "<" before the failure.
+        const XML_Index at = XML_GetCurrentByteIndex(scan.parser);
+        const std::size_t tag = joined.rfind('<', at < 0 ? 0 : static_cast<std::size_t>(at));
+        const XML_Index from = tag == std::string::npos ? at : static_cast<XML_Index>(tag);
+        error_line = static_cast<unsigned long>(
+            std::upper_bound(scan.line_starts.begin(), scan.line_starts.end(), from) - scan.line_starts.begin());
+    }
+    XML_ParserFree(scan.parser);
+
+    unsigned long line = 0;
+    std::string text;
+    const bool malformed = not_well_formed(content, line, text);
+    if (scan.refused) {
+        out.push_back({file.path, scan.refused_line, "format", scan.refused_text});
+    } else if (malformed) {
+        out.push_back({file.path, line, "xml", text});
+    } else if (parse_error) {
+        // Well formed, yet the loader's parser fails: a line end inside a tag, which the loader
+        // drops, joined two words into one.
+        out.push_back({file.path, error_line, "format", say("LineEndInTag")});
+    }
+    for (finding& f : scan.misplaced) {
+        f.file = file.path;
+        out.push_back(f);
+    }
+    file.readable = !scan.refused && !parse_error && !malformed;
+    if (!file.readable) {
+        return;
+    }
+    // The first text of a key is the one the catalog keeps.
+    for (std::size_t i = 0; i < scan.store.entries.size(); ++i) {
+        const auto& entry = scan.store.entries[i];
+        const unsigned long at = scan.entry_lines[i];
+        const auto first = file.lines.emplace(entry.first, at);
+        if (!first.second) {
+            out.push_back({file.path, at, "duplicate", say("DuplicateKey", {entry.first, std::to_string(first.first->second)})});
+            continue;
+        }
+        fi::XMLCatalogDataStore decoded;
+        decoded.addEntry(entry.first, entry.second);
+        std::u16string_view decoded_text;
+        decoded.find(entry.first, decoded_text);
+        file.texts[entry.first] = icu::UnicodeString(decoded_text.data(), static_cast<int32_t>(decoded_text.size()));
+    }
+}
 
 void read_catalog(catalog_file& file, findings& out)
 {
@@ -145,45 +306,22 @@ void read_catalog(catalog_file& file, findings& out)
         out.push_back({file.path, 0, "unreadable", say("FileUnreadable")});
         return;
     }
-    structure_scan scan;
-    scan.parser = XML_ParserCreate("UTF-8");
-    scan.file = &file;
-    scan.out = &out;
-    XML_SetUserData(scan.parser, &scan);
-    XML_SetElementHandler(scan.parser, on_start, on_end);
     const std::size_t before = out.size();
-    if (XML_Parse(scan.parser, content.data(), static_cast<int>(content.size()), 1) == XML_STATUS_ERROR) {
-        out.push_back({file.path, XML_GetCurrentLineNumber(scan.parser), "xml",
-            say("NotWellFormed", {XML_ErrorString(XML_GetErrorCode(scan.parser))})});
-    }
-    XML_ParserFree(scan.parser);
+    scan_catalog(file, content, out);
 
-    collecting_store store;
+    // The library's loader has the last word: nothing it refuses passes as fine.
     bool loaded = false;
     try {
-        loaded = fi::XMLCatalogFileLoader().loadFile(fs::upath(from_utf8(file.path)), store);
+        collecting_store ignored;
+        loaded = fi::XMLCatalogFileLoader().loadFile(fs::upath(from_utf8(file.path)), ignored);
     } catch (const std::exception&) {
         loaded = false;
     }
-    if (!loaded && out.size() == before) {
-        out.push_back({file.path, 1, "format", say("LoaderRefuses")});
-    }
     if (!loaded) {
-        file.readable = false;
-        return;
-    }
-    // The loader reads entries in file order, as the scan does.
-    for (std::size_t i = 0; i < store.entries.size() && i < scan.order.size(); ++i) {
-        const std::string& key = store.entries[i].first;
-        if (file.lines.count(key) != 0) {
-            continue;
+        if (out.size() == before) {
+            out.push_back({file.path, 0, "format", say("LoaderRefuses")});
         }
-        fi::XMLCatalogDataStore decoded;
-        decoded.addEntry(key, store.entries[i].second);
-        file.lines[key] = scan.order[i].second;
-        std::u16string_view text;
-        decoded.find(key, text);
-        file.texts[key] = icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
+        file.readable = false;
     }
 }
 
@@ -306,17 +444,31 @@ void check_against_english(const catalog_file& file, const catalog_file* english
 }
 
 // A map that is missing or differs from what the writer makes of the catalogs found now; the
-// line is the first that differs.
+// line is the first that differs. A component without catalogs gets no map from the writer, and
+// one whose tree can't be read (already a finding) can't be compared.
 void check_map(const fs::upath& resources, const std::string& component, findings& out)
 {
     const std::string path = utf8(fi::catalog_map_path(resources, component).get_path_name());
-    const std::string expected = fi::make_catalog_map(fi::list_component_catalogs(resources, component));
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        out.push_back({path, 0, "map", say("NoMap", {component})});
+    std::vector<std::string> catalogs;
+    try {
+        catalogs = fi::list_component_catalogs(resources, component);
+    } catch (const std::exception&) {
         return;
     }
+    if (catalogs.empty()) {
+        return;
+    }
+    const std::string expected = fi::make_catalog_map(catalogs);
+    std::ifstream in(path, std::ios::binary);
     const std::string found((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in.good() && !in.eof()) {
+        if (::access(path.c_str(), F_OK) == 0) {
+            out.push_back({path, 0, "unreadable", say("FileUnreadable")});
+        } else {
+            out.push_back({path, 0, "map", say("NoMap", {component})});
+        }
+        return;
+    }
     if (found == expected) {
         return;
     }
@@ -405,7 +557,13 @@ int run_check(const arguments& args)
 
     if (values.count("no-maps") == 0) {
         const fs::upath resource_dir(from_utf8(resources));
-        for (const std::string& component : fi::list_catalog_components(resource_dir)) {
+        std::vector<std::string> mapped;
+        try {
+            mapped = fi::list_catalog_components(resource_dir);
+        } catch (const std::exception&) {
+            // The resource directory can't be listed: a finding already.
+        }
+        for (const std::string& component : mapped) {
             check_map(resource_dir, component, out);
         }
     }
