@@ -454,6 +454,10 @@ TEST_F(QvI18nCommand, SubcommandsPrintWhatTheLibraryAnswers)
     dir.make_dir("d.xml");
     EXPECT_EQ(run("ls " + dir.path()).out, "a.XML\nb.xml\nc.txt\nd.xml/\n");
     EXPECT_EQ(run("ls --pattern '*.xml' " + dir.path()).out, "b.xml\nd.xml/\n");
+    // "*" is the only wildcard; a pattern that matches nothing lists nothing.
+    const outcome none = run("ls --pattern '?.xml' " + dir.path());
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(none.status, 0);
 
     const outcome help = run("check --help");
     EXPECT_EQ(help.status, 0);

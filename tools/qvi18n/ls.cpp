@@ -30,15 +30,22 @@ int run_ls(const arguments& args)
     // Names are collected first so that a failure half-way leaves no partial listing behind.
     std::vector<std::string> names;
     fs::upath_directory_iterator it;
-    if (values.count("pattern") != 0) {
-        it = fs::upath_directory_iterator(dir, fs::filename_pattern_context(from_utf8(values["pattern"].as<std::string>())));
+    // A pattern that matches no name leaves the iterator on the last name it read until its first
+    // increment; each name is therefore matched again, as the volume compares names.
+    fl::i18n::simple_pattern_match matcher;
+    const bool filtered = values.count("pattern") != 0;
+    if (filtered) {
+        const fs::filename_pattern_context pattern(from_utf8(values["pattern"].as<std::string>()));
+        it = fs::upath_directory_iterator(dir, pattern);
+        matcher.open(pattern.get_pattern(), fs::generate_character_handling_mask_from_volume(fs::upath(dir)));
     } else {
         it = fs::upath_directory_iterator(dir);
     }
     const bool all = values.count("all") != 0;
     for (; it != fs::upath_directory_iterator(); ++it) {
         const std::string name = utf8(it->filename());
-        if (!all && (name == "." || name == "..")) {
+        fl::i18n::regex_excp_id matched;
+        if ((!all && (name == "." || name == "..")) || (filtered && !matcher.match(it->filename(), matched))) {
             continue;
         }
         names.push_back(name + (it->target_type() == fs::file_status::directory_file ? "/" : ""));
