@@ -9,11 +9,14 @@
 #   5 catalog      i18n/catalog                              i18n/catalog/, resource_core/
 #   6 startup      i18n/locale/startup                       i18n/locale/startup/
 #
-# The build enforces it twice. Each area compiles against a staged include directory
+# The build enforces it three times. Each area compiles against a staged include directory
 # (<build>/floors/<area>/include) holding links to exactly the public headers of the floors it
 # may see and to its own private headers, so an include of a higher floor's header is not found.
-# And each floor with sources links, with the floors beneath, into a shared library of its own
+# Each floor with sources links, with the floors beneath, into a shared library of its own
 # under <build>/floors/lib with -Wl,--no-undefined, so a call into a higher floor does not link.
+# And before an area compiles, cmake/QvFloorCheck.cmake reads its files for the ways around those
+# two: a quoted include that reaches another area's file beside the including one, ".." in an
+# include, a weak declaration, dlsym/dlopen.
 # Sources and headers are globbed: a file dropped into an area's folder is picked up.
 set(QVI18N_AREAS locale conversion ctype filesystem database catalog startup)
 
@@ -210,6 +213,20 @@ foreach(area IN LISTS QVI18N_AREAS)
   target_link_libraries(qvi18n_${area} PRIVATE ${QVI18N_AREA_DEPS_${area}} qvi18n_warnings)
   list(APPEND QVI18N_OBJECTS $<TARGET_OBJECTS:qvi18n_${area}>)
   list(APPEND QVI18N_BUILT_AREAS ${area})
+
+  # Before the area compiles, its files are read for the ways around the floors (QvFloorCheck).
+  set(own ${QVI18N_SOURCES_${area}} ${QVI18N_PRIVATE_HEADERS_${area}} ${QVI18N_PUBLIC_HEADERS_${area}})
+  list(JOIN own "\n" own_text)
+  set(files ${QVI18N_FLOORS_DIR}/${area}/files.txt)
+  file(CONFIGURE OUTPUT ${files} CONTENT "${own_text}\n")
+  set(stamp ${QVI18N_FLOORS_DIR}/${area}/files.checked)
+  add_custom_command(OUTPUT ${stamp}
+    COMMAND ${CMAKE_COMMAND} -DAREA=${area} -DFILES=${files} -DSTAMP=${stamp}
+      -P ${PROJECT_SOURCE_DIR}/cmake/QvFloorCheck.cmake
+    DEPENDS ${own} ${files} ${PROJECT_SOURCE_DIR}/cmake/QvFloorCheck.cmake
+    COMMENT "Checking that the ${area} area keeps to its floor" VERBATIM)
+  add_custom_target(qvi18n_floor_check_${area} DEPENDS ${stamp})
+  add_dependencies(qvi18n_${area} qvi18n_floor_check_${area})
 endforeach()
 if(TARGET qvi18n_startup)
   target_compile_definitions(qvi18n_startup PRIVATE
