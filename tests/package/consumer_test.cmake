@@ -19,6 +19,32 @@ foreach(f bin/${PLATFORM_TAG}/libqvi18n.so include/qvi18n/qvi18n.hpp
   endif()
 endforeach()
 
+# Every installed header includes, of ours, only installed headers, and by <qvi18n/...>.
+file(GLOB_RECURSE headers RELATIVE ${prefix}/include ${prefix}/include/qvi18n/*.hpp)
+foreach(header IN LISTS headers)
+  file(STRINGS ${prefix}/include/${header} includes REGEX "^[ \t]*#[ \t]*include")
+  foreach(line IN LISTS includes)
+    if(line MATCHES "\"")
+      message(FATAL_ERROR "installed ${header} includes by a quoted name: ${line}")
+    endif()
+    if(line MATCHES "<(qvi18n/[^>]*)>")
+      set(included ${CMAKE_MATCH_1})
+      if(NOT EXISTS ${prefix}/include/${included})
+        message(FATAL_ERROR "installed ${header} includes ${included}, which is not installed")
+      endif()
+    endif()
+  endforeach()
+endforeach()
+
+# The consumers start the library: a home and locale settings of their own.
+set(ENV{HOME} ${WORK_DIR}/home)
+set(ENV{XDG_CONFIG_HOME} ${WORK_DIR}/home/.config)
+set(ENV{LANG} C.UTF-8)
+foreach(name LC_ALL LC_CTYPE LC_MESSAGES LANGUAGE QVLOCALE_LCDATA_PATH QVLOCALE_LCDATA_FILENAME
+    QVLOCALE_L10N_CONTROL)
+  unset(ENV{${name}})
+endforeach()
+
 # find_package
 run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/cmake-build
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_COMPILER_LAUNCHER=)
