@@ -288,7 +288,17 @@ TEST_F(QvI18nCommand, BadInputIsAFailureInTheUsersLanguage)
     EXPECT_NE(encoding.err.find("NO-SUCH-ENCODING"), std::string::npos) << encoding.err;
     const outcome binary = run("convert --from UTF-8 --to UTF-16LE --strict", "C.UTF-8", std::string("ab\xff\x00", 4));
     EXPECT_EQ(binary.status, 2);
+    EXPECT_EQ(binary.out, "");
     EXPECT_NE(binary.err, "");
+    // A character cut off by the end of the input: refused as such under --strict, with nothing
+    // written before it; substituted without.
+    const outcome cut = run("convert --from UTF-8 --to UTF-16LE --strict", "de_DE.UTF-8", std::string("a\0b\xe2\x82", 5));
+    EXPECT_EQ(cut.status, 2);
+    EXPECT_EQ(cut.out, "");
+    EXPECT_EQ(cut.err, "qvi18n convert: die Eingabe endet mitten in einem Zeichen in UTF-8\n");
+    const outcome substituted = run("convert --from UTF-8 --to UTF-16LE", "C.UTF-8", std::string("a\0b\xe2\x82", 5));
+    EXPECT_EQ(substituted.status, 0);
+    EXPECT_EQ(substituted.out, std::string("a\0\0\0b\0\xfd\xff", 8));
 }
 
 TEST_F(QvI18nCommand, OwnTextsFollowTheUsersLanguage)

@@ -18,6 +18,7 @@ namespace qvtool {
 namespace {
 
 const std::size_t buffer_units = 1 << 16;
+const std::size_t hold_limit = 1 << 20;
 
 bool write_all(const char* data, std::size_t size)
 {
@@ -116,6 +117,21 @@ int run_convert(const arguments& args)
     const fi::stream_codecvt_string_to_ustring& decoder = *decoder_owner;
     const fi::stream_codecvt_ustring_to_string& encoder = *encoder_owner;
 
+    // The output is held back up to a bound before the first write, so that a conversion that
+    // fails on a small input writes nothing at all; past the bound it streams.
+    std::string held;
+    bool streaming = false;
+    auto emit = [&held, &streaming](const char* data, std::size_t size) {
+        if (streaming) {
+            return write_all(data, size);
+        }
+        held.append(data, size);
+        if (held.size() < hold_limit) {
+            return true;
+        }
+        streaming = true;
+        return write_all(held.data(), held.size());
+    };
     std::vector<char> input(buffer_units);
     std::vector<char16_t> middle(buffer_units);
     std::vector<char> output(buffer_units * 4);
@@ -133,18 +149,30 @@ int run_convert(const arguments& args)
         int decoding;
         do {
             char16_t* wide = middle.data();
-            decoding = decoder.convert(&wide, middle.data() + middle.size(), &source, source_limit, end);
+            try {
+                decoding = decoder.convert(&wide, middle.data() + middle.size(), &source, source_limit, end);
+            } catch (const fi::CvtConversionFailure&) {
+                // The one failure of the last call that the earlier ones can't have: a character
+                // begun and never finished.
+                if (!end) {
+                    throw;
+                }
+                return report_failure("convert", say("InputEndsInCharacter", {values["from"].as<std::string>()}));
+            }
             const char16_t* pending = middle.data();
             int encoding;
             do {
                 char* bytes = output.data();
                 encoding = encoder.convert(&bytes, output.data() + output.size(), &pending, wide, end && decoding == 0);
-                if (!write_all(output.data(), static_cast<std::size_t>(bytes - output.data()))) {
+                if (!emit(output.data(), static_cast<std::size_t>(bytes - output.data()))) {
                     return report_failure("convert", say("StdoutUnwritable"));
                 }
             } while (encoding == 1);
         } while (decoding == 1);
         if (end) {
+            if (!streaming && !write_all(held.data(), held.size())) {
+                return report_failure("convert", say("StdoutUnwritable"));
+            }
             return exit_ok;
         }
     }
