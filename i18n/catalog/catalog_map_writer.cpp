@@ -9,6 +9,7 @@
 #include <qvi18n/i18n/catalog/catalog_id.hpp>
 #include <qvi18n/i18n/catalog/catalog_map.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include "i18n/catalog/catalog_listing.hpp"
 #include <qvi18n/filesystem/detail/exceptions.hpp>
@@ -107,7 +108,7 @@ upath catalog_map_path(const upath& resources, const std::string& component)
 {
     upath map(resources);
     map /= detail::catalog_map_base();
-    map /= ustring(component.begin(), component.end());
+    map /= detail::widen_ascii(component);
     map /= detail::catalog_map_file_name();
     return map;
 }
@@ -132,7 +133,7 @@ std::vector<std::string> list_catalog_components(const upath& resources)
 std::vector<std::string> list_component_catalogs(const upath& resources, const std::string& component)
 {
     upath base(resources);
-    base /= ustring(component.begin(), component.end());
+    base /= detail::widen_ascii(component);
     std::vector<std::string> catalogs;
     fl::filesystem::upath_directory_iterator end;
     for (fl::filesystem::upath_directory_iterator it(base); it != end; ++it) {

@@ -3,6 +3,7 @@
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_catalog_impl.hpp>
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 #include <qvi18n/i18n/locale/lcdata.hpp>
 
 #include "i18n/catalog/catalog_cache.hpp"
@@ -46,7 +47,7 @@ void list_candidates(explanation& out, const ustring& pattern)
     const bool underscore = at > 0 && pattern[at - 1] == u'_';
     for (const std::string& name : out.fallback_locales) {
         ustring relative = name.empty() ? (underscore ? head.substr(0, at - 1) : head) + tail
-                                        : head + ustring(name.begin(), name.end()) + tail;
+                                        : head + detail::widen_ascii(name) + tail;
         for (const upath& root : out.roots) {
             MessageLookupCandidate candidate;
             candidate.locale = name;

@@ -5,6 +5,7 @@
 #include <qvi18n/i18n/conversion/conversion_primitives.hpp>
 #include <qvi18n/i18n/conversion/cvtctx.hpp>
 #include <qvi18n/i18n/ctype/classification.hpp>
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include <boost/thread/once.hpp>
@@ -262,12 +263,8 @@ numpunct_cache<char16_t>::numpunct_cache(const QvLocale&)
     decimal_point = static_cast<unsigned char>(classic.decimal_point());
     thousands_sep = static_cast<unsigned char>(classic.thousands_sep());
     grouping = classic.grouping();
-    const std::string t = classic.truename();
-    const std::string f = classic.falsename();
-    for (char c : t)
-        truename += static_cast<char16_t>(static_cast<unsigned char>(c));
-    for (char c : f)
-        falsename += static_cast<char16_t>(static_cast<unsigned char>(c));
+    truename = fl::i18n::detail::widen_ascii(classic.truename());
+    falsename = fl::i18n::detail::widen_ascii(classic.falsename());
 }
 
 numpunct_facet<char16_t>::numpunct_facet(const QvLocale& locale, unsigned long refs)

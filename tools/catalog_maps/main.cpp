@@ -2,6 +2,7 @@
 // over the library's own catalogs.
 
 #include <qvi18n/i18n/catalog/catalog_map_writer.hpp>
+#include <qvi18n/i18n/conversion/codecvt.hpp>
 
 #include <cstdio>
 #include <exception>
@@ -17,7 +18,9 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         const std::string root = argv[i];
         try {
-            fl::i18n::write_catalog_maps(fl::filesystem::upath(fl::i18n::ustring(root.begin(), root.end())));
+            // A file name in UTF-8, as the build gives it.
+            fl::i18n::codecvt_string_to_ustring utf8("UTF-8", true);
+            fl::i18n::write_catalog_maps(fl::filesystem::upath(utf8.convert(root.data(), root.size())));
         } catch (const std::exception& e) {
             std::fprintf(stderr, "%s: %s: %s\n", argv[0], root.c_str(), e.what());
             status = 1;

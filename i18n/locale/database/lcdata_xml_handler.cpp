@@ -1,6 +1,7 @@
 // The nesting check and the handler that turns lcdata.xml into LcData records.
 #include <qvi18n/i18n/locale/database/lcdata_xml.hpp>
 #include <qvi18n/i18n/locale/database/lcdata_xml_parser.hpp>
+#include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <boost/make_shared.hpp>
 
@@ -57,24 +58,6 @@ void readAttributes(char const** attributes, char const* const (&names)[N], std:
             }
         }
     }
-}
-
-bool equalsIgnoringAsciiCase(std::string const& a, char const* b)
-{
-    std::size_t const length = std::strlen(b);
-    if (a.size() != length)
-        return false;
-    for (std::size_t i = 0; i < length; ++i) {
-        unsigned char x = static_cast<unsigned char>(a[i]);
-        unsigned char y = static_cast<unsigned char>(b[i]);
-        if (x >= 'A' && x <= 'Z')
-            x = static_cast<unsigned char>(x - 'A' + 'a');
-        if (y >= 'A' && y <= 'Z')
-            y = static_cast<unsigned char>(y - 'A' + 'a');
-        if (x != y)
-            return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -168,7 +151,7 @@ void LcdbEventHandler::setEventDesc()
 
 int LcdbEventHandler::checkXMLDoc(char const* /*version*/, char const* encoding, int /*standalone*/) const
 {
-    return equalsIgnoringAsciiCase(encoding_, encoding ? encoding : "") ? 0 : kRefuse;
+    return detail::ascii_fold(encoding_) == detail::ascii_fold(encoding ? encoding : "") ? 0 : kRefuse;
 }
 
 int LcdbEventHandler::startEntry(char const* name, char const** attributes)

@@ -1,5 +1,7 @@
 #include <qvi18n/i18n/locale/system_locale_linux.hpp>
 
+#include <qvi18n/i18n/locale/ascii_text.hpp>
+
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
@@ -38,15 +40,13 @@ std::string first_set(std::initializer_list<char const*> names)
 
 bool is_utf8_name(std::string const& codeset)
 {
-    std::string folded;
-    for (char c : codeset) {
-        if (c >= 'A' && c <= 'Z') {
-            folded += static_cast<char>(c - 'A' + 'a');
-        } else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
-            folded += c;
+    std::string letters;
+    for (char c : fl::i18n::detail::ascii_fold(codeset)) {
+        if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
+            letters += c;
         }
     }
-    return folded == "utf8";
+    return letters == "utf8";
 }
 
 // "de_DE.UTF-8@euro" -> "de_DE@euro". With `keep_c_utf8`, C or POSIX in UTF-8 stays a locale of its
