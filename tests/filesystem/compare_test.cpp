@@ -14,10 +14,7 @@ using fl::i18n::character_handling_mode_context;
 using fl::i18n::ustring;
 using fs::upath;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 ustring const composed = u"/x/caf\u00e9";
 ustring const decomposed = u"/x/cafe\u0301";

@@ -24,10 +24,7 @@ using fl::i18n::ustring;
 using fs::file_status;
 using fs::upath;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 bool on_disk(std::string const& path)
 {

@@ -20,10 +20,7 @@ using fl::i18n::ustring;
 using fs::upath;
 using qvtest::utf16_to_utf8;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 std::string current_directory()
 {

@@ -35,10 +35,7 @@ using fs::file_status;
 using fs::upath;
 using fs::upath_directory_iterator;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 // What a name from the disk should read as, by ICU directly: malformed bytes become U+FFFD.
 ustring expected_text(std::string const& bytes)

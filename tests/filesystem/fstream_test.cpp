@@ -16,10 +16,7 @@ using fl::i18n::ustring;
 using fs::native_path;
 using fs::upath;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 std::string contents(std::istream& in)
 {

@@ -23,10 +23,7 @@ using fs::file_status;
 using fs::upath;
 using qvtest::utf16_to_utf8;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 std::string s8(upath const& p)
 {

@@ -31,10 +31,7 @@ namespace fs = fl::filesystem;
 using fl::i18n::ustring;
 using fs::upath;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 // Each check returns true when it holds; the child exits with the number of the first that
 // does not, so that the parent can say which.

@@ -22,10 +22,7 @@ namespace fs = fl::filesystem;
 using fl::i18n::ustring;
 using fs::upath;
 
-ustring u(std::string const& utf8)
-{
-    return qvtest::utf8_to_utf16(utf8);
-}
+using qvtest::u;
 
 // The text of the opened file, or "(null) errno N" when the call gave no stream.
 std::string opened(std::FILE* f)

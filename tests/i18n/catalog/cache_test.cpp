@@ -28,14 +28,7 @@ using fl::i18n::MessageCatalogUtility;
 using fl::i18n::MessageID;
 using fl::i18n::ustring;
 
-namespace {
-
-ustring u(const std::string& s)
-{
-    return catalog_test::u(s);
-}
-
-} // namespace
+using catalog_test::u;
 
 TEST(CatalogRoots, NothingWorksBeforeASuccessfulInit)
 {

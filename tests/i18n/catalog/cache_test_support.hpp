@@ -9,6 +9,7 @@
 #include <qvi18n/i18n/locale/qvlocale.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
+#include <qvtest/text.hpp>
 
 #include <gtest/gtest.h>
 
@@ -22,41 +23,12 @@
 
 namespace catalog_test {
 
-// The UTF-8 and UTF-16 conversions of these tests, kept apart from qvtest/text.hpp, whose printer
-// for UTF-16 strings collides with the one of this GoogleTest.
 inline std::string utf8(const fl::i18n::ustring& text)
 {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t c = text[i];
-        if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00
-            && text[i + 1] < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
-        }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return out;
+    return qvtest::utf16_to_utf8(text);
 }
 
-// ASCII only, which is all these tests build roots from.
-inline fl::i18n::ustring u(const std::string& ascii)
-{
-    return fl::i18n::ustring(ascii.begin(), ascii.end());
-}
+using qvtest::u;
 
 // A locale whose every category has the one name given, such as "de_AT".
 class test_locale : public fl::i18n::QvLocale {

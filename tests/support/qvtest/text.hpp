@@ -16,6 +16,11 @@ std::u16string u16(char const* ascii);
 // UTF-8 <-> UTF-16 for building expectations (no dependency on the code under test).
 std::u16string utf8_to_utf16(std::string const& utf8);
 std::string utf16_to_utf8(std::u16string const& utf16);
+// The short spelling tests use for text and path names written in UTF-8.
+inline std::u16string u(std::string const& utf8)
+{
+    return utf8_to_utf16(utf8);
+}
 
 // "0041 00e9 d83d de00" — readable failure messages for UTF-16 text.
 std::string hex_dump(std::u16string const& s, std::size_t max_units = 64);

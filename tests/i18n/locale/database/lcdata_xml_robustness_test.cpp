@@ -16,21 +16,13 @@ using fl::i18n::LcData;
 
 namespace {
 
-std::string shippedDatabasePath()
-{
-    std::string built = QVI18N_TEST_BUILD_ROOT "/bin/lcdata.xml";
-    if (std::ifstream(built).good())
-        return built;
-    return QVI18N_TEST_SOURCE_ROOT "/data/lcdata.xml";
-}
-
 enum class Outcome { loaded, refused };
 
 class DamagedDatabase : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        original_ = qvtest::read_file(shippedDatabasePath());
+        original_ = qvtest::read_file(QVI18N_TEST_LCDATA);
         ASSERT_GT(original_.size(), 4096u);
     }
 

@@ -21,14 +21,6 @@ using fl::i18n::LcData;
 
 namespace {
 
-std::string shippedDatabasePath()
-{
-    std::string built = QVI18N_TEST_BUILD_ROOT "/bin/lcdata.xml";
-    if (std::ifstream(built).good())
-        return built;
-    return QVI18N_TEST_SOURCE_ROOT "/data/lcdata.xml";
-}
-
 std::string folded(std::string s)
 {
     for (char& c : s) {
@@ -84,9 +76,9 @@ protected:
     static void SetUpTestSuite()
     {
         collected_ = new Collector;
-        fl::i18n::parseXmlDocument(*collected_, fl::filesystem::native_path(shippedDatabasePath()));
+        fl::i18n::parseXmlDocument(*collected_, fl::filesystem::native_path(QVI18N_TEST_LCDATA));
         data_ = new LcData;
-        fl::i18n::parseLcData(*data_, fl::filesystem::native_path(shippedDatabasePath()));
+        fl::i18n::parseLcData(*data_, fl::filesystem::native_path(QVI18N_TEST_LCDATA));
     }
     static void TearDownTestSuite()
     {
@@ -207,7 +199,7 @@ TEST_F(ShippedDatabase, EveryLocaleResolvesAndEveryDefaultEncodingIsAccepted)
         boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
         LcData& live = fl::i18n::get_qvlocale_context().getLcDataForUpdate(lock);
         live.clear();
-        fl::i18n::parseLcData(live, fl::filesystem::native_path(shippedDatabasePath()));
+        fl::i18n::parseLcData(live, fl::filesystem::native_path(QVI18N_TEST_LCDATA));
     }
     std::set<std::string> checked;
     std::vector<std::string> refused;
