@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.hpp"
+
 #include <expat.h>
 #include <libintl.h>
 #include <malloc.h>
@@ -66,7 +68,8 @@ std::string text_of(int i)
 
 // The catalog tree, the .mo file and the same data in memory, made once per process.
 struct bench_data {
-    fs::path dir;
+    qvbench::temp_tree tree{"catalog-bench"};
+    const fs::path dir{tree.path()};
     fs::path catalog_file;
     std::vector<std::string> keys;
     std::vector<fl::i18n::MessageID> ids;
@@ -75,8 +78,6 @@ struct bench_data {
 
     bench_data()
     {
-        char pattern[] = "/tmp/qvi18n-catalog-bench-XXXXXX";
-        dir = ::mkdtemp(pattern);
         catalog_file = dir / "root/resources/bench/de/catalog.xml";
         fs::create_directories(catalog_file.parent_path());
         fs::create_directories(dir / "locale/de/LC_MESSAGES");
@@ -110,12 +111,6 @@ struct bench_data {
         }
 
         fl::i18n::MessageCatalog::MessageCatalogInit((dir / "root").string());
-    }
-
-    ~bench_data()
-    {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
     }
 };
 

@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.hpp"
+
 #include <expat.h>
 #include <strings.h>
 
@@ -39,14 +41,13 @@ fl::i18n::ustring u(const std::string& ascii)
 }
 
 struct bench_data {
-    fs::path dir;
+    qvbench::temp_tree tree{"completions-bench"};
+    const fs::path dir{tree.path()};
     std::string map_text;
     std::vector<std::string> keys;
 
     bench_data()
     {
-        char pattern[] = "/tmp/qvi18n-completions-bench-XXXXXX";
-        dir = ::mkdtemp(pattern);
         const fs::path en = dir / "root/resources/big/en";
         fs::create_directories(en);
         const std::string small = "<rsccat><message><entry key=\"k\">v</entry></message></rsccat>\n";
@@ -66,12 +67,6 @@ struct bench_data {
         std::ifstream map(dir / "root/derived/share/resources/big/catalog_map.xml");
         map_text.assign(std::istreambuf_iterator<char>(map), std::istreambuf_iterator<char>());
         fl::i18n::MessageCatalog::MessageCatalogInit((dir / "root").string());
-    }
-
-    ~bench_data()
-    {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
     }
 };
 

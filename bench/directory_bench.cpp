@@ -13,6 +13,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.hpp"
+
 #include <unicode/unorm2.h>
 #include <unicode/uregex.h>
 #include <unicode/ustring.h>
@@ -38,17 +40,14 @@ int const entry_count = 100000;
 struct bench_directory {
     bench_directory()
     {
-        char pattern[] = "/tmp/qvi18n-directory-bench-XXXXXX";
-        root = ::mkdtemp(pattern);
         char name[64];
         for (int i = 0; i < entry_count; ++i) {
             std::snprintf(name, sizeof name, i % 20 == 0 ? "file-%06d-\xc3\xa9t\xc3\xa9-\xe6\x97\xa5.txt" : "file-%06d.txt", i);
             ::close(::open((root + "/" + name).c_str(), O_CREAT | O_WRONLY, 0644));
         }
     }
-    ~bench_directory() { stdfs::remove_all(root); }
-
-    std::string root;
+    qvbench::temp_tree tree{"directory-bench"};
+    std::string root{tree.path().string()};
 };
 
 bench_directory const& directory()

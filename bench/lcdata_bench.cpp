@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.hpp"
+
 #include <expat.h>
 
 #include <fstream>
@@ -15,21 +17,13 @@
 
 namespace {
 
-std::string databasePath()
-{
-    std::string built = QVI18N_BENCH_BUILD_ROOT "/bin/lcdata.xml";
-    if (std::ifstream(built).good())
-        return built;
-    return QVI18N_BENCH_SOURCE_ROOT "/data/lcdata.xml";
-}
-
 std::string databaseBytes()
 {
-    std::ifstream in(databasePath(), std::ios::binary);
+    std::ifstream in(qvbench::database_path(), std::ios::binary);
     std::ostringstream bytes;
     bytes << in.rdbuf();
     if (bytes.str().empty())
-        throw std::runtime_error("no lcdata.xml at " + databasePath());
+        throw std::runtime_error("no lcdata.xml at " + qvbench::database_path());
     return bytes.str();
 }
 
@@ -59,7 +53,7 @@ public:
 
 void BM_ReaderWithoutTables(benchmark::State& state)
 {
-    fl::filesystem::native_path const file(databasePath());
+    fl::filesystem::native_path const file(qvbench::database_path());
     std::size_t const size = databaseBytes().size();
     for (auto _ : state) {
         NullHandler handler;
@@ -71,7 +65,7 @@ BENCHMARK(BM_ReaderWithoutTables)->Unit(benchmark::kMicrosecond);
 
 void BM_ParseLcData(benchmark::State& state)
 {
-    fl::filesystem::native_path const file(databasePath());
+    fl::filesystem::native_path const file(qvbench::database_path());
     std::size_t const size = databaseBytes().size();
     for (auto _ : state) {
         fl::i18n::LcData data;

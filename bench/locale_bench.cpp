@@ -8,6 +8,8 @@
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
 #include <benchmark/benchmark.h>
+
+#include "bench_support.hpp"
 #include <boost/thread/lock_guard.hpp>
 #include <boost/unordered_map.hpp>
 
@@ -19,23 +21,15 @@
 
 namespace {
 
-std::string databasePath()
-{
-    std::string built = QVI18N_BENCH_BUILD_ROOT "/bin/lcdata.xml";
-    if (std::ifstream(built).good())
-        return built;
-    return QVI18N_BENCH_SOURCE_ROOT "/data/lcdata.xml";
-}
-
 void fillDatabase()
 {
     static std::once_flag once;
     std::call_once(once, [] {
         boost::unique_lock<boost::mutex> lock(fl::i18n::getLcMutex());
         fl::i18n::LcData& data = fl::i18n::get_qvlocale_context().getLcDataForUpdate(lock);
-        fl::i18n::parseLcData(data, fl::filesystem::native_path(databasePath()));
+        fl::i18n::parseLcData(data, fl::filesystem::native_path(qvbench::database_path()));
         if (data.getLcName("de_DE").empty())
-            throw std::runtime_error("database without de_DE at " + databasePath());
+            throw std::runtime_error("database without de_DE at " + qvbench::database_path());
     });
 }
 

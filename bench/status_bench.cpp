@@ -5,6 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -21,8 +23,6 @@ namespace stdfs = std::filesystem;
 struct bench_files {
     bench_files()
     {
-        char pattern[] = "/tmp/qvi18n-status-bench-XXXXXX";
-        root = ::mkdtemp(pattern);
         std::string deep = root;
         for (int i = 0; i < 8; ++i)
             deep += "/directory-level-" + std::to_string(i);
@@ -33,9 +33,8 @@ struct bench_files {
         std::ofstream(short_name) << "x";
         std::ofstream(long_name) << "x";
     }
-    ~bench_files() { stdfs::remove_all(root); }
-
-    std::string root;
+    qvbench::temp_tree tree{"status-bench"};
+    std::string root{tree.path().string()};
     std::string short_name;
     std::string long_name;
     std::string missing_name;
