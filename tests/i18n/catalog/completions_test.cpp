@@ -125,3 +125,23 @@ TEST_F(Completions, BadMapsAndBadTextGiveFewerOrNoResults)
     EXPECT_TRUE(accented.completions.empty());
     EXPECT_EQ(accented.offset, 0);
 }
+
+TEST_F(Completions, EveryRootAddsAndOneRootsBadMapSparesTheOthers)
+{
+    // A second root: a component of its own, more segments of "app" and keys of a catalog that
+    // starts with the same text as a segment.
+    write_catalog(dir, "s", "app:kit", "en", catalog_xml({{"keep", "k"}, {"other", "o"}}));
+    dir.write_file("s/derived/share/resources/app/catalog_map.xml", map_xml({"app:kit", "app:kit:kettle", "app:ui:knob"}));
+    write_catalog(dir, "s", "zed:x", "en", catalog_xml({{"k", "v"}}));
+    dir.write_file("s/derived/share/resources/zed/catalog_map.xml", map_xml({"zed:x"}));
+    MessageCatalog::set_additional_resource_locations({u(dir / "s")});
+
+    EXPECT_EQ(complete(""), (texts {"AB:", "ZORBEL:", "app:", "zed:", "@0"}));
+    EXPECT_EQ(complete("app:"), (texts {"kit:", "other:", "ui:", "@4"}));
+    // A segment and a key that start alike are both offered.
+    EXPECT_EQ(complete("app:kit:k"), (texts {"keep", "kettle:", "@8"}));
+
+    // The first root's map breaks off; the second root is read with a handler of its own.
+    write_map(dir, "app", "<MessageCatalogMap><entry key=\"app:first\"/><bogus/><entry key=\"app:never\"/></MessageCatalogMap>");
+    EXPECT_EQ(complete("app:"), (texts {"first:", "kit:", "ui:", "@4"}));
+}
