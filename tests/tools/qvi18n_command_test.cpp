@@ -203,8 +203,8 @@ TEST_F(QvI18nCommand, CheckAgreesWithTheLoader)
     }
 }
 
-// What the command can't read is a finding of its own, once; the maps of what can't be listed
-// aren't judged. CI runs as root, which reads everything: the command runs as user 65534 there.
+// What the checker can't read is a finding of its own, once; the maps of what can't be listed
+// aren't judged. Elsewhere it is a failure. CI runs as root, which reads everything: the command runs as user 65534 there.
 TEST_F(QvI18nCommand, CheckReportsWhatItCannotRead)
 {
     qvtest::scoped_temp_dir root;
@@ -231,6 +231,10 @@ TEST_F(QvI18nCommand, CheckReportsWhatItCannotRead)
     EXPECT_EQ(directory.out.rfind(r + "c/en/x:0: unreadable: ", 0), 0u) << directory.out;
     EXPECT_EQ(std::count(directory.out.begin(), directory.out.end(), '\n'), 1) << directory.out;
     EXPECT_EQ(directory.status, 1);
+    const outcome listing = run("ls " + r + "c/en/x");
+    EXPECT_EQ(listing.status, 2);
+    EXPECT_EQ(listing.out, "");
+    EXPECT_EQ(listing.err, "qvi18n ls: Permission to access the file was denied.\n");
     ASSERT_EQ(0, ::chmod((r + "c/en/x").c_str(), 0755));
 
     ASSERT_EQ(0, ::chmod(map.c_str(), 0));
