@@ -261,6 +261,13 @@ TEST_F(QvI18nCommand, MapWritesWhatCheckExpects)
     EXPECT_EQ(run("map " + root.path() + "/resources").status, 0);
     EXPECT_EQ(qvtest::read_file(map), first);
 
+    // A map the writer doesn't make, which completion would read before the component's own.
+    const std::string nested = root.path() + "/resources/../derived/share/resources/c/x/catalog_map.xml";
+    root.write_file("derived/share/resources/c/x/catalog_map.xml", first);
+    EXPECT_EQ(run("check " + root.path()).out,
+        nested + ":0: map: a catalog map that qvi18n map does not write, which completion reads all the same (remove it)\n");
+    std::remove(nested.c_str());
+
     root.write_file("resources/c/en/z.xml", english);
     const outcome stale = run("check " + root.path());
     EXPECT_EQ(stale.out.find(map + ":"), 0u) << stale.out;

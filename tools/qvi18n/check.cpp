@@ -446,18 +446,21 @@ void check_against_english(const catalog_file& file, const catalog_file* english
 // A map that is missing or differs from what the writer makes of the catalogs found now; the
 // line is the first that differs. A component without catalogs gets no map from the writer, and
 // one whose tree can't be read (already a finding) can't be compared.
-void check_map(const fs::upath& resources, const std::string& component, findings& out)
+// The map's path goes to `wanted` unless the writer would make no map there.
+void check_map(const fs::upath& resources, const std::string& component, findings& out, std::set<std::string>& wanted)
 {
     const std::string path = utf8(fi::catalog_map_path(resources, component).get_path_name());
     std::vector<std::string> catalogs;
     try {
         catalogs = fi::list_component_catalogs(resources, component);
     } catch (const std::exception&) {
+        wanted.insert(path);
         return;
     }
     if (catalogs.empty()) {
         return;
     }
+    wanted.insert(path);
     const std::string expected = fi::make_catalog_map(catalogs);
     std::ifstream in(path, std::ios::binary);
     const std::string found((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -477,6 +480,21 @@ void check_map(const fs::upath& resources, const std::string& component, finding
             expected.begin()).first - found.begin());
     const unsigned long line = 1 + static_cast<unsigned long>(std::count(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
     out.push_back({path, line, "map", say("StaleMap")});
+}
+
+// Maps in the tree beside the resources that the writer doesn't make. Completion reads them all
+// the same: one below a component before the component's own, one of a component without
+// catalogs to offer that component.
+void check_extra_maps(const std::string& directory, const std::set<std::string>& wanted, findings& out)
+{
+    for (const std::string& name : list(directory, out)) {
+        const std::string path = directory + "/" + name;
+        if (is_directory(path)) {
+            check_extra_maps(path, wanted, out);
+        } else if (name == utf8(fi::detail::catalog_map_file_name()) && wanted.count(path) == 0) {
+            out.push_back({path, 0, "map", say("ExtraMap")});
+        }
+    }
 }
 
 void collect_files(const std::string& dir, const std::string& catalog, const std::string& locale,
@@ -563,8 +581,18 @@ int run_check(const arguments& args)
         } catch (const std::exception&) {
             // The resource directory can't be listed: a finding already.
         }
+        std::set<std::string> wanted;
         for (const std::string& component : mapped) {
-            check_map(resource_dir, component, out);
+            check_map(resource_dir, component, out, wanted);
+        }
+        fs::upath map_tree(resource_dir);
+        map_tree /= fi::detail::catalog_map_base();
+        std::string base = utf8(map_tree.get_path_name());
+        while (base.size() > 1 && base.back() == '/') {
+            base.pop_back();
+        }
+        if (is_directory(base)) {
+            check_extra_maps(base, wanted, out);
         }
     }
 
