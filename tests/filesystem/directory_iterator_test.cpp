@@ -2,6 +2,7 @@
 #include <qvi18n/filesystem/directory_iterator.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 
+#include "qvtest/child.hpp"
 #include "qvtest/scoped_env.hpp"
 #include "qvtest/scoped_temp_dir.hpp"
 #include "qvtest/text.hpp"
@@ -23,7 +24,6 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -292,31 +292,30 @@ TEST(WildcardCaseInsensitive, MatchesAsTheVolumeComparesNames)
 {
     qvtest::scoped_temp_dir const dir;
     std::string const mount_point = dir.make_dir("cf");
-    std::fflush(nullptr);
-    pid_t const pid = ::fork();
-    if (pid == 0) {
+    std::string const folded = mount_point + "/d";
+    auto const mount_casefolding = [&] {
         if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
             || ::mount("tmpfs", mount_point.c_str(), "tmpfs", 0, "casefold") != 0)
-            ::_exit(77);
-        std::string const folded = mount_point + "/d";
+            return false;
         int flags = 0;
         int const fd = (::mkdir(folded.c_str(), 0755), ::open(folded.c_str(), O_RDONLY | O_DIRECTORY));
         if (fd < 0 || ::ioctl(fd, FS_IOC_GETFLAGS, &flags) != 0
             || (flags |= FS_CASEFOLD_FL, ::ioctl(fd, FS_IOC_SETFLAGS, &flags)) != 0)
-            ::_exit(77);
+            return false;
         ::close(fd);
         touch(folded + "/A.TXT");
         touch(folded + "/b.txt");
-        std::vector<ustring> const names = names_of(
-            upath_directory_iterator(u(folded), fs::filename_pattern_context(u"*.txt")));
-        ::_exit(names == std::vector<ustring>{u"A.TXT", u"b.txt"} ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 77)
+        return true;
+    };
+    int const code = qvtest::run_in_child(mount_casefolding, {[&] {
+        std::vector<ustring> const names
+            = names_of(upath_directory_iterator(u(folded), fs::filename_pattern_context(u"*.txt")));
+        return names == std::vector<ustring>{u"A.TXT", u"b.txt"};
+    }});
+    if (code == qvtest::child_not_prepared)
         GTEST_SKIP() << "no case-insensitive volume can be mounted here (needs CAP_SYS_ADMIN and a "
                         "kernel whose tmpfs folds case)";
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(0, code);
 }
 
 TEST_F(Wildcard, ADerivedContextMayFillTheFieldsItself)

@@ -6,6 +6,7 @@
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/filesystem/stdio.hpp>
 
+#include "qvtest/child.hpp"
 #include "qvtest/scoped_temp_dir.hpp"
 #include "qvtest/text.hpp"
 
@@ -33,9 +34,9 @@ using fs::upath;
 
 using qvtest::u;
 
-// Each check returns true when it holds; the child exits with the number of the first that
-// does not, so that the parent can say which.
-typedef std::function<bool()> check;
+using qvtest::become_ordinary_user;
+using qvtest::check;
+using qvtest::run_in_child;
 
 template <class E, class F> bool throws(F f)
 {
@@ -45,29 +46,6 @@ template <class E, class F> bool throws(F f)
         return true;
     } catch (...) { }
     return false;
-}
-
-int run_in_child(std::function<bool()> const& prepare, std::vector<check> const& checks)
-{
-    std::fflush(nullptr);
-    pid_t const pid = ::fork();
-    if (pid == 0) {
-        if (!prepare())
-            ::_exit(77);
-        for (std::size_t i = 0; i < checks.size(); ++i) {
-            if (!checks[i]())
-                ::_exit(static_cast<int>(i + 1));
-        }
-        ::_exit(0);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-bool become_ordinary_user()
-{
-    return ::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0);
 }
 
 class OrdinaryUser : public ::testing::Test {
@@ -231,7 +209,7 @@ TEST(ReadOnlyFileSystem, WritingIsARefusal)
             [&] { return !fs::access(u(mount_point), 1 | 4); },
             [&] { return fs::access(u(mount_point), 1 | 2 | 8); },
         });
-    if (code == 77)
+    if (code == qvtest::child_not_prepared)
         GTEST_SKIP() << "cannot mount a read-only file system here (needs CAP_SYS_ADMIN)";
     EXPECT_EQ(0, code) << "check " << code << " failed in the child";
 }

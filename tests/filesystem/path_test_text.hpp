@@ -1,9 +1,9 @@
 #ifndef QVI18N_TESTS_FILESYSTEM_PATH_TEST_TEXT_HPP
 #define QVI18N_TESTS_FILESYSTEM_PATH_TEST_TEXT_HPP
 
-// Text helpers for the path and converter tests. GoogleTest prints std::u16string by itself, so
-// these tests do without the shared printer (which clashes with it). Expectations are built with
-// ICU called directly, not through the code under test.
+// Text helpers for the path and converter tests. Expectations are built with ICU called directly,
+// not through the code under test, and substitute as ICU does (U+FFFD for bad UTF-8, 0x1A for a
+// lone surrogate), which the hand-written ones of qvtest/text.hpp do not.
 
 #include <unicode/ustring.h>
 

@@ -2,12 +2,12 @@
 
 #include "filesystem/posix/user_database.hpp"
 #include "tests/filesystem/path_test_text.hpp"
+#include <qvtest/child.hpp>
 #include <qvtest/scoped_env.hpp>
 
 #include <gtest/gtest.h>
 
 #include <pwd.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -112,28 +112,15 @@ TEST(TildeExpansion, NoHomeAnywhereGivesAnEmptyPath)
     while (!passwd_home_of_uid(orphan).empty() && orphan < 54400)
         ++orphan;
 
-    const pid_t child = fork();
-    ASSERT_NE(child, -1);
-    if (child == 0) {
-        unsetenv("HOME");
-        if (setuid(orphan) != 0)
-            _exit(10);
-        int failures = 0;
-        if (fs::posix::replace_home_directory("~/x") != "")
-            failures |= 1;
-        if (fs::posix::replace_home_directory("~") != "")
-            failures |= 2;
-        if (!fs::upath(u16("~/x")).empty())
-            failures |= 4;
-        const std::string named = std::string("~") + unknown_user + "/x";
-        if (fs::posix::replace_home_directory(named) != named)
-            failures |= 8;
-        _exit(failures);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0) << "bit mask of failed checks in the child";
+    const std::string named = std::string("~") + unknown_user + "/x";
+    const int code = qvtest::run_in_child([&] { return unsetenv("HOME") == 0 && setuid(orphan) == 0; },
+        {
+            [] { return fs::posix::replace_home_directory("~/x").empty(); },
+            [] { return fs::posix::replace_home_directory("~").empty(); },
+            [] { return fs::upath(u16("~/x")).empty(); },
+            [&] { return fs::posix::replace_home_directory(named) == named; },
+        });
+    EXPECT_EQ(code, 0) << "check " << code << " failed in the child";
 }
 
 // An entry larger than the first buffer is still found: the buffer grows on ERANGE, up to a bound

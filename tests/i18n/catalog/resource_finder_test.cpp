@@ -4,13 +4,13 @@
 #include <qvi18n/i18n/locale/lcdata.hpp>
 #include <qvi18n/i18n/locale/qvlocale_ctx.hpp>
 
+#include <qvtest/child.hpp>
 #include <qvtest/scoped_temp_dir.hpp>
 
 #include <qvi18n/filesystem/exceptions.hpp>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unicode/unistr.h>
 #include <unistd.h>
 
@@ -261,30 +261,20 @@ TEST_F(ResourceFinder, APermissionProblemOnTheWayEndsTheSearch)
     ASSERT_EQ(0, ::chmod(closed.c_str(), 0));
     const std::vector<upath> bases = {up(closed + "/inner"), up(second)};
 
-    const pid_t pid = ::fork();
-    ASSERT_NE(-1, pid);
-    if (pid == 0) {
-        // Root passes every permission check, so the child becomes an ordinary user.
-        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
-            ::_exit(3);
-        }
+    const int code = qvtest::run_in_child(qvtest::become_ordinary_user, {[&] {
         try {
             resource_finder::find_resource(bases, u"p_%S.txt", *de_AT);
-            ::_exit(1);
         } catch (const fl::filesystem::AccessDenied&) {
-            ::_exit(0);
+            return true;
         } catch (...) {
-            ::_exit(2);
         }
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
+        return false;
+    }});
     ::chmod(closed.c_str(), 0755);
-    ASSERT_TRUE(WIFEXITED(status));
-    if (WEXITSTATUS(status) == 3) {
+    if (code == qvtest::child_not_prepared) {
         GTEST_SKIP() << "cannot drop privileges to test a closed directory";
     }
-    EXPECT_EQ(0, WEXITSTATUS(status)) << "1: found nothing or the file, 2: another exception";
+    EXPECT_EQ(0, code) << "found nothing, the file, or another failure than AccessDenied";
 }
 
 } // namespace
