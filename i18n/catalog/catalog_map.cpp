@@ -95,17 +95,15 @@ bool MetaInfoExpatEventHandler::process_entry_tag(const char** attributes)
         if (std::any_of(value, value + length, [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
             ascii_converter.convert(value, length);
         }
-        if (length <= prefix_size + 1 || value[prefix_size] != ':'
+        if (length < prefix_size + 1 || value[prefix_size] != ':'
             || !std::equal(catalog_prefix.begin(), catalog_prefix.end(), value,
                 [](char16_t a, char b) { return a == static_cast<unsigned char>(b); })) {
             continue;
         }
         const char* segment = value + prefix_size + 1;
         const char* end = static_cast<const char*>(std::memchr(segment, ':', length - prefix_size - 1));
-        // An empty segment ("a::b") can't complete to anything that parses.
-        if (end != segment) {
-            results->insert(ascii_converter.convert(segment, static_cast<unsigned long>((end ? end : value + length) - segment)));
-        }
+        // An empty segment ("a:" or "a::b") is kept too: the filter of the completions decides.
+        results->insert(ascii_converter.convert(segment, static_cast<unsigned long>((end ? end : value + length) - segment)));
     }
     return true;
 }

@@ -2,12 +2,15 @@
 
 #include "cache_test_support.hpp"
 
+#include <qvi18n/i18n/catalog/catalog_map.hpp>
 #include <qvi18n/i18n/catalog/message_catalog.hpp>
 #include <qvi18n/i18n/catalog/message_id_completions.hpp>
 
 #include <qvtest/scoped_temp_dir.hpp>
 
 #include <gtest/gtest.h>
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <string>
@@ -144,4 +147,29 @@ TEST_F(Completions, EveryRootAddsAndOneRootsBadMapSparesTheOthers)
     // The first root's map breaks off; the second root is read with a handler of its own.
     write_map(dir, "app", "<MessageCatalogMap><entry key=\"app:first\"/><bogus/><entry key=\"app:never\"/></MessageCatalogMap>");
     EXPECT_EQ(complete("app:"), (texts {"first:", "kit:", "ui:", "@4"}));
+}
+
+// The handler on its own: which entries count for a prefix, and how the attribute walk steps.
+TEST(MetaInfoHandler, TakesTheSegmentBehindThePrefixAndColon)
+{
+    const auto results = boost::make_shared<boost::unordered_set<fl::i18n::ustring>>();
+    fl::i18n::MetaInfoExpatEventHandler handler(u"a", results);
+    const char* none[] = {nullptr};
+    EXPECT_FALSE(handler.doElementStart("entry", none));
+    ASSERT_TRUE(handler.doElementStart("MessageCatalogMap", none));
+    EXPECT_FALSE(handler.doElementStart("MessageCatalogMap", none));
+    for (const char* key : {"a:b:c", "a", "ab:c", "a:", "a:d"}) {
+        const char* attributes[] = {"key", key, nullptr};
+        EXPECT_TRUE(handler.doElementStart("entry", attributes)) << key;
+        EXPECT_TRUE(handler.doElementEnd("entry"));
+    }
+    // An unknown attribute's value is looked at as a name: here it reads "key" and takes the
+    // next word, the real attribute's name, as its value, so "a:e" is never seen.
+    const char* shifted[] = {"note", "key", "key", "a:e", nullptr};
+    EXPECT_TRUE(handler.doElementStart("entry", shifted));
+    EXPECT_TRUE(handler.doElementEnd("entry"));
+    const char* dangling[] = {"key", nullptr};
+    EXPECT_FALSE(handler.doElementStart("entry", dangling));
+    EXPECT_FALSE(handler.doElementStart("bogus", none));
+    EXPECT_EQ(*results, (boost::unordered_set<fl::i18n::ustring> {u"b", u"", u"d"}));
 }
