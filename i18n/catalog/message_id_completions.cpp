@@ -44,7 +44,8 @@ bool starts_with(const ustring& text, const ustring& wanted)
         == 0;
 }
 
-// Every component of `root` that has a map of its own, by its directory name.
+// Every component of `root` that has a map of its own, by its directory name. "." and ".." pass
+// the same test: only a map at the base of the tree, or above it, would let them through.
 void list_components(const upath& root, name_set& results)
 {
     if (!fl::filesystem::exists(root)) {
@@ -54,9 +55,6 @@ void list_components(const upath& root, name_set& results)
     fl::filesystem::upath_directory_iterator end;
     for (fl::filesystem::upath_directory_iterator it(root); it != end; ++it) {
         const ustring name = it->filename();
-        if (detail::is_dot_entry(name)) {
-            continue;
-        }
         ustring map(base);
         map += fl::filesystem::upath_constant::PATHNAME_SEPARATOR;
         map.append(name, 0, name.find(u':'));

@@ -88,6 +88,9 @@ TEST_F(Completions, ComponentsWithAMapCompleteIgnoringCase)
     EXPECT_EQ(complete("A"), (texts {"AB:", "app:", "@0"}));
     EXPECT_EQ(complete("zorbel"), (texts {"ZORBEL:", "@0"}));
     EXPECT_EQ(complete("nomap"), texts {"@0"});
+    // "." is a directory entry like any other: a map at the base of the tree is its map.
+    dir.write_file("r/derived/share/resources/catalog_map.xml", map_xml({"app:ui"}));
+    EXPECT_EQ(complete("."), (texts {".:", "@0"}));
 }
 
 TEST_F(Completions, TheNearestMapDecidesWhichSegmentsFollow)
