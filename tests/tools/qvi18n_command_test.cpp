@@ -284,6 +284,15 @@ TEST_F(QvI18nCommand, BadInputIsAFailureInTheUsersLanguage)
 
     EXPECT_EQ(run("check /no/such/root").status, 2);
     EXPECT_EQ(run("map /no/such/root").status, 2);
+    // A map that can't be put in place leaves nothing of its own behind.
+    qvtest::scoped_temp_dir tree;
+    tree.write_file("resources/c/en/a.xml", english);
+    tree.make_dir("derived/share/resources/c/catalog_map.xml/in_the_way");
+    const outcome unplaced = run("map " + tree.path());
+    EXPECT_EQ(unplaced.status, 2);
+    EXPECT_EQ(unplaced.out, "");
+    EXPECT_NE(unplaced.err, "");
+    EXPECT_EQ(run("ls --all " + tree.path() + "/derived/share/resources/c").out, "../\n./\ncatalog_map.xml/\n");
     EXPECT_EQ(run("frobnicate").status, 2);
     EXPECT_EQ(run("status --no-such-option").status, 2);
     const outcome holes = run("message fl:filesystem:SystemError only-one");
