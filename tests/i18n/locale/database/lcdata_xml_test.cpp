@@ -141,10 +141,6 @@ TEST(LcDataXml, ParseErrorTextCarriesCodeColumnAndLineOnly)
     EXPECT_EQ(refusal("").get_code(), XML_ERROR_NO_ELEMENTS);
     EXPECT_EQ(refusal("<lcdata>").get_code(), XML_ERROR_NO_ELEMENTS);
     EXPECT_EQ(refusal("<lcdata/><lcdata/>").get_code(), XML_ERROR_JUNK_AFTER_DOC_ELEMENT);
-
-    fl::i18n::LcRscInvalidXmlDoc composed(35, 12, 4, "parsing aborted");
-    EXPECT_STREQ(
-        composed.what(), "XML Parse error detected with 35 at column, 4, on line, 12 in resource file.");
 }
 
 TEST(LcDataXml, RequiredAttributesMissingOrEmptyStopTheParse)
@@ -300,15 +296,5 @@ TEST(LcDataXml, DirectoryFailsAsARead)
         EXPECT_EQ(std::string(e.what()), "Failed to read file " + dir.path() + ".");
         EXPECT_EQ(e.get_identifier(), "fl:i18n:LcRscFileReadFailure");
     }
-}
-
-TEST(LcDataXml, ExceptionTextsAndIdentifiers)
-{
-    EXPECT_STREQ(fl::i18n::LcRscFileReadFailure("/x/y").what(), "Failed to read file /x/y.");
-    EXPECT_EQ(fl::i18n::LcRscFileReadFailure("/x/y").get_identifier(), "fl:i18n:LcRscFileReadFailure");
-    EXPECT_STREQ(fl::i18n::LcRscParserCreationFailure().what(), "Failed to create XML parser.");
-    EXPECT_EQ(fl::i18n::LcRscParserCreationFailure().get_identifier(), "fl:i18n:LcRscParserCreationFailure");
-    EXPECT_STREQ(fl::i18n::LcRscInavlidPathName("").what(), "Invalid path name .");
-    EXPECT_EQ(fl::i18n::LcRscInavlidPathName("").get_identifier(), "fl:i18n:LcRscInavlidPathName");
 }
 
