@@ -15,6 +15,7 @@
 #include <qvi18n/i18n/locale/qvlocale_impl.hpp>
 
 #include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 #include <qvi18n/filesystem/operations.hpp>
 #include <qvi18n/i18n/conversion/codecvt_fixed.hpp>
 
