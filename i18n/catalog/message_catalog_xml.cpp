@@ -142,13 +142,23 @@ void XMLCatalogDataStore::rehash(std::size_t slot_count)
     mask_ = mask;
 }
 
-void XMLCatalogDataStore::make_room_for(std::size_t entry_count)
+namespace {
+
+// The index is at most half full, so that a probe for a missing key ends soon.
+std::size_t slots_for(std::size_t entry_count, std::size_t at_least)
 {
-    // At most half full, so that a probe for a missing key ends soon.
-    std::size_t slot_count = slots_.size();
+    std::size_t slot_count = at_least;
     while (slot_count < 2 * entry_count) {
         slot_count *= 2;
     }
+    return slot_count;
+}
+
+} // namespace
+
+void XMLCatalogDataStore::make_room_for(std::size_t entry_count)
+{
+    const std::size_t slot_count = slots_for(entry_count, slots_.size());
     if (slot_count != slots_.size()) {
         rehash(slot_count);
     }
@@ -178,10 +188,7 @@ void XMLCatalogDataStore::finish_load()
         text_blocks_.back().reset(smaller != nullptr ? static_cast<char16_t*>(smaller) : block);
         last_block_size_ = last_block_used_;
     }
-    std::size_t slot_count = 16;
-    while (slot_count < 2 * entries_.size()) {
-        slot_count *= 2;
-    }
+    const std::size_t slot_count = slots_for(entries_.size(), 16);
     if (slot_count < slots_.size()) {
         rehash(slot_count);
     }
