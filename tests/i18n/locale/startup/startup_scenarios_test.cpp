@@ -304,6 +304,27 @@ TEST_F(Startup, ChangeToAnotherLanguageOnlyLocks)
     EXPECT_TRUE(lcmgmt::is_std_locale_valid());
 }
 
+// A caller that spoils the locale variables after start-up gets back what start-up wrote, and only
+// when the standard library can't use them.
+TEST_F(Startup, FixInvalidStdLocalePutsBackTheDecidedVariables)
+{
+    ::setenv("LANG", "de_DE.UTF-8", 1);
+    ::setenv("LC_TIME", "fr_FR.UTF-8", 1);
+    start();
+    Env const decided = locale_env();
+    EXPECT_EQ((Env {{"LANG", "C.UTF-8"}, {"LC_NUMERIC", "C"}}), decided);
+
+    ::setenv("LC_MONETARY", "C", 1); // usable: left alone
+    lcmgmt::fix_invalid_std_locale();
+    EXPECT_EQ("C", locale_env()["LC_MONETARY"]);
+
+    ::setenv("LC_ALL", "xx_NOWHERE.UTF-8", 1);
+    EXPECT_FALSE(lcmgmt::is_std_locale_valid());
+    lcmgmt::fix_invalid_std_locale();
+    EXPECT_EQ(decided, locale_env());
+    EXPECT_TRUE(lcmgmt::is_std_locale_valid());
+}
+
 // Readers of the well-known locales and of the status take no lock while start-up publishes them.
 TEST_F(Startup, ReadersRunWhileStartUpPublishes)
 {
