@@ -40,6 +40,17 @@ void unset_locale_env()
     }
 }
 
+// Writes LANG and each category that differs from it, as decided in the record.
+void put_locale_env(osx::locale_context const& context)
+{
+    ::setenv("LANG", context.set_value[env_lang].c_str(), 1);
+    for (int i = 0; i < locale_category_count; ++i) {
+        if (!context.set_value[i].empty()) {
+            ::setenv(env_names[i], context.set_value[i].c_str(), 1);
+        }
+    }
+}
+
 // Reads QVLOCALE_L10N_CONTROL into the record; the answer is +1 for "on", -1 for "off", else 0.
 int read_l10n_control(osx::locale_context& context)
 {
@@ -247,12 +258,7 @@ void set_xpg_locale(locale_context& context, bool use_default)
     if (!context.messages_l10n) {
         set_default_xpg_locale(context, env_lc_messages);
     }
-    ::setenv("LANG", context.set_value[env_lang].c_str(), 1);
-    for (int i = 0; i < locale_category_count; ++i) {
-        if (!context.set_value[i].empty()) {
-            ::setenv(env_names[i], context.set_value[i].c_str(), 1);
-        }
-    }
+    put_locale_env(context);
     platform::unset_unloadable_extra_categories();
     std::setlocale(LC_ALL, "");
 }
@@ -432,12 +438,7 @@ std::vector<int> check_std_locale_valid()
 void redefine_xpg_locale_env(osx::locale_context const& context)
 {
     unset_locale_env();
-    ::setenv("LANG", context.set_value[env_lang].c_str(), 1);
-    for (int i = 0; i < locale_category_count; ++i) {
-        if (!context.set_value[i].empty()) {
-            ::setenv(env_names[i], context.set_value[i].c_str(), 1);
-        }
-    }
+    put_locale_env(context);
 }
 
 system_setting_context extract_system_setting_from_locale_context(osx::locale_context const& context)
