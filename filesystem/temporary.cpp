@@ -1,6 +1,5 @@
 #include <qvi18n/filesystem/temporary.hpp>
 
-#include <qvi18n/filesystem/converters.hpp>
 #include <qvi18n/filesystem/exceptions.hpp>
 #include <qvi18n/filesystem/path.hpp>
 #include <qvi18n/filesystem/detail/converters.hpp>
@@ -34,11 +33,6 @@ bool usable_directory(const std::string& candidate)
         return false;
     errno = 0;
     return ::access(candidate.c_str(), W_OK | R_OK) == 0 || errno == 0;
-}
-
-ustring from_filesystem(const std::string& bytes)
-{
-    return codecvt_filesystem_to_ustring(true).convert(bytes.data(), bytes.size());
 }
 
 // Creates the file only if nothing lies at the name (not even a dangling link), owner-only,
@@ -78,7 +72,7 @@ std::string temp_dir_name()
 
 ustring temp_directory_name()
 {
-    return upath(from_filesystem(temp_dir_name())).get_path_name();
+    return upath(detail::from_filesystem(temp_dir_name())).get_path_name();
 }
 
 namespace posix {
@@ -99,7 +93,7 @@ ustring tmpfile_name(const ustring& directory, const ustring& prefix, const ustr
     if (name.empty() || name[name.size() - 1] != u'/')
         name += u'/';
     name += prefix;
-    name += from_filesystem(random);
+    name += detail::from_filesystem(random);
     if (!suffix.empty() && suffix[0] != u'.')
         name += u'.';
     name += suffix;
