@@ -27,33 +27,33 @@ void use_global_locale(std::string const& name, std::string const& encoding)
     ASSERT_TRUE(ctx.setGlobalLocale(&ctx.getCurrentLocale()));
 }
 
+void add_encoding_name(std::string const& name, std::string const& jvm_name)
+{
+    boost::unique_lock<boost::mutex> lock(i18n::getLcMutex());
+    i18n::get_qvlocale_context().getLcDataForUpdate(lock).addEncodingName(name, jvm_name);
+}
+
+// Field by field, so that a failure names the field.
+void expect_context(i18n::qvlc_java_context const& expected, i18n::qvlc_java_context const& actual)
+{
+    EXPECT_EQ(expected.system_language, actual.system_language);
+    EXPECT_EQ(expected.system_territory, actual.system_territory);
+    EXPECT_EQ(expected.classic_language, actual.classic_language);
+    EXPECT_EQ(expected.classic_territory, actual.classic_territory);
+    EXPECT_EQ(expected.global_language, actual.global_language);
+    EXPECT_EQ(expected.global_territory, actual.global_territory);
+    EXPECT_EQ(expected.jvm_encoding, actual.jvm_encoding);
+}
+
 TEST(JvmContext, GlobalPairOnlyWhenItDiffersFromTheSystem)
 {
-    {
-        boost::unique_lock<boost::mutex> lock(i18n::getLcMutex());
-        i18n::get_qvlocale_context().getLcDataForUpdate(lock).addEncodingName("US-ASCII", "ASCII");
-    }
+    add_encoding_name("US-ASCII", "ASCII");
     // Built-in state: localised, and the system's messages locale is the global one.
-    i18n::qvlc_java_context same = i18n::get_javavm_init_context();
-    EXPECT_EQ(same.system_language, "en");
-    EXPECT_EQ(same.system_territory, "US");
-    EXPECT_EQ(same.classic_language, "");
-    EXPECT_EQ(same.classic_territory, "");
-    EXPECT_EQ(same.global_language, "");
-    EXPECT_EQ(same.global_territory, "");
-    EXPECT_EQ(same.jvm_encoding, "ASCII");
+    expect_context({"en", "US", "", "", "", "", "ASCII"}, i18n::get_javavm_init_context());
 
-    {
-        boost::unique_lock<boost::mutex> lock(i18n::getLcMutex());
-        i18n::get_qvlocale_context().getLcDataForUpdate(lock).addEncodingName("UTF-8", "UTF8");
-    }
+    add_encoding_name("UTF-8", "UTF8");
     use_global_locale("de_AT", "UTF-8");
-    i18n::qvlc_java_context differs = i18n::get_javavm_init_context();
-    EXPECT_EQ(differs.system_language, "en");
-    EXPECT_EQ(differs.classic_language, "");
-    EXPECT_EQ(differs.global_language, "de");
-    EXPECT_EQ(differs.global_territory, "AT");
-    EXPECT_EQ(differs.jvm_encoding, "UTF8");
+    expect_context({"en", "US", "", "", "de", "AT", "UTF8"}, i18n::get_javavm_init_context());
 }
 
 TEST(JvmContext, LocalisationOffNamesTheClassicAndGlobalLocales)
