@@ -139,6 +139,25 @@ int run_match(URegularExpression* regex, const char16_t* text, unsigned long len
     return matched == 1 ? 1 : 0;
 }
 
+// Whole-text match of `text`, put in the pattern's normal form first when the pattern was:
+// regex_success with `matched` set, else what failed.
+regex_excp_id match_text(URegularExpression* regex, const ustring& text, int normalization, bool& matched)
+{
+    int result;
+    if (normalization & normalize_bit) {
+        normalized_text normalized;
+        if (!normalized.assign(text.data(), text.size(), normalization))
+            return regex_failed_normalization;
+        result = run_match(regex, normalized.data(), static_cast<unsigned long>(normalized.size()));
+    } else {
+        result = run_match(regex, text.data(), text.size());
+    }
+    if (result < 0)
+        return regex_failed_match_operation;
+    matched = result == 1;
+    return regex_success;
+}
+
 } // namespace
 
 regex_core::regex_core()
@@ -220,18 +239,13 @@ bool pattern_match::match(const ustring& text) const
 {
     if (!core || !core->is_usable())
         throw_regex<RegexInvalidObject>();
-    int matched;
-    if (normalization & normalize_bit) {
-        normalized_text normalized;
-        if (!normalized.assign(text.data(), text.size(), normalization))
-            throw_regex<RegexFailedNormalization>();
-        matched = run_match(core->get_regex(), normalized.data(), static_cast<unsigned long>(normalized.size()));
-    } else {
-        matched = run_match(core->get_regex(), text.data(), text.size());
-    }
-    if (matched < 0)
+    bool matched = false;
+    const regex_excp_id id = match_text(core->get_regex(), text, normalization, matched);
+    if (id == regex_failed_normalization)
+        throw_regex<RegexFailedNormalization>();
+    if (id != regex_success)
         throw_regex<RegexFailedMatchOperation>();
-    return matched == 1;
+    return matched;
 }
 
 simple_pattern_match::simple_pattern_match()
@@ -264,23 +278,9 @@ bool simple_pattern_match::match(const ustring& text, regex_excp_id& id) const
         id = regex_invalid_object;
         return false;
     }
-    int matched;
-    if (normalization & normalize_bit) {
-        normalized_text normalized;
-        if (!normalized.assign(text.data(), text.size(), normalization)) {
-            id = regex_failed_normalization;
-            return false;
-        }
-        matched = run_match(core.get_regex(), normalized.data(), static_cast<unsigned long>(normalized.size()));
-    } else {
-        matched = run_match(core.get_regex(), text.data(), text.size());
-    }
-    if (matched < 0) {
-        id = regex_failed_match_operation;
-        return false;
-    }
-    id = regex_success;
-    return matched == 1;
+    bool matched = false;
+    id = match_text(core.get_regex(), text, normalization, matched);
+    return matched;
 }
 
 } // namespace i18n
