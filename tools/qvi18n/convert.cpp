@@ -130,7 +130,10 @@ int run_convert(const arguments& args)
             return true;
         }
         streaming = true;
-        return write_all(held.data(), held.size());
+        const bool written = write_all(held.data(), held.size());
+        // From here on the output goes straight through: the held megabyte goes now, not at exit.
+        std::string().swap(held);
+        return written;
     };
     std::vector<char> input(buffer_units);
     std::vector<char16_t> middle(buffer_units);
