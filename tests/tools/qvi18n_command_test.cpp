@@ -399,6 +399,21 @@ TEST_F(QvI18nCommand, ConvertStreamsThroughAnyBufferBoundary)
     const outcome back = run("convert -f UTF-16LE -t UTF-8 ", "C.UTF-8", wide.out);
     EXPECT_TRUE(back.out == text);
 
+    // Past the megabyte held back before the first write, what was held and what streams after it
+    // come out once each and in order; a fault that late leaves the part already written.
+    const std::string long_text(700000, 'a');
+    std::string long_wide;
+    for (char c : long_text) {
+        long_wide += std::string {c, '\0'};
+    }
+    const outcome streamed = run("convert --from UTF-8 --to UTF-16LE --strict", "C.UTF-8", long_text);
+    EXPECT_EQ(streamed.status, 0);
+    EXPECT_TRUE(streamed.out == long_wide) << streamed.out.size();
+    const outcome late = run("convert --from UTF-8 --to UTF-16LE --strict", "C.UTF-8", long_text + "\xff");
+    EXPECT_EQ(late.status, 2);
+    EXPECT_GE(late.out.size(), std::size_t {1} << 20);
+    EXPECT_TRUE(long_wide.compare(0, late.out.size(), late.out) == 0);
+
     // Without --strict an invalid byte is substituted and the rest goes through.
     const outcome lenient = run("convert --from UTF-8 --to ISO-8859-1", "C.UTF-8", "x\xffy\xc3\xa9");
     EXPECT_EQ(lenient.status, 0);
