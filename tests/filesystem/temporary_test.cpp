@@ -61,6 +61,9 @@ TEST(TemporaryNames, DirectoryFromTheEnvironmentInOrder)
     qvtest::scoped_env tmpdir("TMPDIR", c + "//");
     EXPECT_EQ(fs::temp_dir_name(), c + "//");
     EXPECT_EQ(fs::temp_directory_name(), utf8_to_utf16(c));
+    // Bytes that are not UTF-8 read as U+FFFD in the text form, as names from the disk do.
+    qvtest::scoped_env broken("TMPDIR", dir.make_dir("d\xff"));
+    EXPECT_EQ(fs::temp_directory_name(), utf8_to_utf16(dir / "d") + u"\uFFFD");
 }
 
 TEST(TemporaryNames, ShapeOfNames)
