@@ -1,6 +1,6 @@
 #include <qvi18n/filesystem/install_path.hpp>
 
-#include <qvi18n/filesystem/converters.hpp>
+#include <qvi18n/filesystem/detail/converters.hpp>
 #include <qvi18n/filesystem/posix/install_path.hpp>
 
 #include "filesystem/install_root.hpp"
@@ -25,16 +25,7 @@ void compute_install_path()
 {
     const std::string base = get_base_path(reinterpret_cast<void*>(&install_path_anchor));
     // Made on the heap and never freed: callers may ask while static objects are torn down.
-    ustring* text = new ustring;
-    if (!base.empty()) {
-        try {
-            *text = codecvt_filesystem_to_ustring(true).convert(base.data(), base.size());
-        } catch (...) {
-            delete text;
-            throw;
-        }
-    }
-    install_path_text = text;
+    install_path_text = new ustring(detail::from_filesystem(base));
 }
 
 } // namespace
