@@ -43,9 +43,11 @@ struct catalog_file {
     std::string locale;
     std::string catalog; // "component:a:b"
     bool readable = true;
-    // Key -> line of its first entry, and text as the loader decodes it.
-    std::map<std::string, unsigned long> lines;
-    std::map<std::string, icu::UnicodeString> texts;
+    struct message {
+        unsigned long line; // of its first entry
+        icu::UnicodeString text; // as the loader decodes it
+    };
+    std::map<std::string, message> messages;
 };
 
 bool is_directory(const std::string& path)
@@ -284,16 +286,16 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
     for (std::size_t i = 0; i < scan.store.entries.size(); ++i) {
         const auto& entry = scan.store.entries[i];
         const unsigned long at = scan.entry_lines[i];
-        const auto first = file.lines.emplace(entry.first, at);
+        const auto first = file.messages.emplace(entry.first, catalog_file::message {at, icu::UnicodeString()});
         if (!first.second) {
-            out.push_back({file.path, at, "duplicate", say("DuplicateKey", {entry.first, std::to_string(first.first->second)})});
+            out.push_back({file.path, at, "duplicate", say("DuplicateKey", {entry.first, std::to_string(first.first->second.line)})});
             continue;
         }
         fi::XMLCatalogDataStore decoded;
         decoded.addEntry(entry.first, entry.second);
         std::u16string_view decoded_text;
         decoded.find(entry.first, decoded_text);
-        file.texts[entry.first] = icu::UnicodeString(decoded_text.data(), static_cast<int32_t>(decoded_text.size()));
+        first.first->second.text = icu::UnicodeString(decoded_text.data(), static_cast<int32_t>(decoded_text.size()));
     }
 }
 
@@ -403,24 +405,24 @@ std::vector<std::string> typed(const std::set<std::string>& types)
 
 void check_against_english(const catalog_file& file, const catalog_file* english, findings& out)
 {
-    for (const auto& entry : file.texts) {
-        const unsigned long line = file.lines.at(entry.first);
+    for (const auto& entry : file.messages) {
+        const unsigned long line = entry.second.line;
         std::map<std::string, std::set<std::string>> holes;
         std::string reason;
-        if (!holes_of(entry.second, holes, reason)) {
+        if (!holes_of(entry.second.text, holes, reason)) {
             out.push_back({file.path, line, "messageformat", say("InvalidPattern", {entry.first, reason})});
             continue;
         }
         if (english == nullptr || english == &file || !english->readable) {
             continue;
         }
-        auto reference = english->texts.find(entry.first);
-        if (reference == english->texts.end()) {
+        auto reference = english->messages.find(entry.first);
+        if (reference == english->messages.end()) {
             out.push_back({file.path, line, "extra-key", say("ExtraKey", {entry.first})});
             continue;
         }
         std::map<std::string, std::set<std::string>> expected;
-        if (!holes_of(reference->second, expected, reason)) {
+        if (!holes_of(reference->second.text, expected, reason)) {
             continue;
         }
         if (names_of(expected) != names_of(holes)) {
