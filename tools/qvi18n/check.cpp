@@ -283,6 +283,7 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
         return;
     }
     // The first text of a key is the one the catalog keeps.
+    fi::XMLCatalogDataStore decoded;
     for (std::size_t i = 0; i < scan.store.entries.size(); ++i) {
         const auto& entry = scan.store.entries[i];
         const unsigned long at = scan.entry_lines[i];
@@ -291,7 +292,6 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
             out.push_back({file.path, at, "duplicate", say("DuplicateKey", {entry.first, std::to_string(first.first->second.line)})});
             continue;
         }
-        fi::XMLCatalogDataStore decoded;
         decoded.addEntry(entry.first, entry.second);
         std::u16string_view decoded_text;
         decoded.find(entry.first, decoded_text);
