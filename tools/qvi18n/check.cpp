@@ -37,6 +37,9 @@ struct finding {
 
 typedef std::vector<finding> findings;
 
+// The holes of a message text, each with the types it is used as.
+typedef std::map<std::string, std::set<std::string>> hole_map;
+
 // What a catalog file says, as far as the checks need it.
 struct catalog_file {
     std::string path;
@@ -44,8 +47,12 @@ struct catalog_file {
     std::string catalog; // "component:a:b"
     bool readable = true;
     struct message {
-        unsigned long line; // of its first entry
+        unsigned long line = 0; // of its first entry
         icu::UnicodeString text; // as the loader decodes it
+        // The text read as a pattern once, for this file's check and each translation's.
+        bool pattern_ok = false;
+        hole_map holes;
+        std::string pattern_error;
     };
     std::map<std::string, message> messages;
 };
@@ -287,11 +294,12 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
     for (std::size_t i = 0; i < scan.store.entries.size(); ++i) {
         const auto& entry = scan.store.entries[i];
         const unsigned long at = scan.entry_lines[i];
-        const auto first = file.messages.emplace(entry.first, catalog_file::message {at, icu::UnicodeString()});
+        const auto first = file.messages.emplace(entry.first, catalog_file::message());
         if (!first.second) {
             out.push_back({file.path, at, "duplicate", say("DuplicateKey", {entry.first, std::to_string(first.first->second.line)})});
             continue;
         }
+        first.first->second.line = at;
         decoded.addEntry(entry.first, entry.second);
         std::u16string_view decoded_text;
         decoded.find(entry.first, decoded_text);
@@ -348,7 +356,7 @@ std::string hole_type(const icu::MessagePattern& pattern, int32_t start)
 
 // The holes of a message text, as "{0}" "{name}", each with the types it is used as; false with
 // a reason when ICU refuses the text.
-bool holes_of(const icu::UnicodeString& text, std::map<std::string, std::set<std::string>>& holes, std::string& reason)
+bool holes_of(const icu::UnicodeString& text, hole_map& holes, std::string& reason)
 {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString quoted = icu::MessageFormat::autoQuoteApostrophe(text, status);
@@ -384,7 +392,7 @@ template <typename Items> std::string join(const Items& items, const char* betwe
     return out.empty() ? empty : out;
 }
 
-std::vector<std::string> names_of(const std::map<std::string, std::set<std::string>>& holes)
+std::vector<std::string> names_of(const hole_map& holes)
 {
     std::vector<std::string> names;
     for (const auto& hole : holes) {
@@ -403,14 +411,21 @@ std::vector<std::string> typed(const std::set<std::string>& types)
     return out;
 }
 
+void read_patterns(catalog_file& file)
+{
+    for (auto& entry : file.messages) {
+        catalog_file::message& message = entry.second;
+        message.pattern_ok = holes_of(message.text, message.holes, message.pattern_error);
+    }
+}
+
 void check_against_english(const catalog_file& file, const catalog_file* english, findings& out)
 {
     for (const auto& entry : file.messages) {
         const unsigned long line = entry.second.line;
-        std::map<std::string, std::set<std::string>> holes;
-        std::string reason;
-        if (!holes_of(entry.second.text, holes, reason)) {
-            out.push_back({file.path, line, "messageformat", say("InvalidPattern", {entry.first, reason})});
+        const hole_map& holes = entry.second.holes;
+        if (!entry.second.pattern_ok) {
+            out.push_back({file.path, line, "messageformat", say("InvalidPattern", {entry.first, entry.second.pattern_error})});
             continue;
         }
         if (english == nullptr || english == &file || !english->readable) {
@@ -421,10 +436,10 @@ void check_against_english(const catalog_file& file, const catalog_file* english
             out.push_back({file.path, line, "extra-key", say("ExtraKey", {entry.first})});
             continue;
         }
-        std::map<std::string, std::set<std::string>> expected;
-        if (!holes_of(reference->second.text, expected, reason)) {
+        if (!reference->second.pattern_ok) {
             continue;
         }
+        const hole_map& expected = reference->second.holes;
         if (names_of(expected) != names_of(holes)) {
             const std::string none = say("NoHoles");
             out.push_back({file.path, line, "holes",
@@ -435,7 +450,7 @@ void check_against_english(const catalog_file& file, const catalog_file* english
         // The same holes: each must be formatted as the same kind of value, or the caller's
         // argument is shown as something else in this language (or refused).
         for (const auto& hole : holes) {
-            const std::set<std::string>& types = expected[hole.first];
+            const std::set<std::string>& types = expected.at(hole.first);
             if (hole.second != types) {
                 out.push_back({file.path, line, "hole-type",
                     say("HoleTypeMismatch",
@@ -557,6 +572,7 @@ int run_check(const arguments& args)
     }
     for (catalog_file& file : files) {
         read_catalog(file, out);
+        read_patterns(file);
     }
     std::map<std::string, const catalog_file*> english;
     for (const catalog_file& file : files) {
