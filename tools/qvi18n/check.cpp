@@ -237,26 +237,20 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
     XML_SetUserData(scan.parser, &scan);
     XML_SetElementHandler(scan.parser, on_start, on_end);
     XML_SetCharacterDataHandler(scan.parser, on_text);
-    std::vector<std::pair<std::size_t, std::size_t>> lines;
-    // What the parser is given: the lines without their ends.
+    // What the parser is given: the lines without their ends. A line's start is recorded before
+    // it is parsed, which is all line_here() needs: no event lies beyond the bytes given so far.
     std::string joined;
-    XML_Index fed = 0;
-    for (std::size_t begin = 0; begin < content.size();) {
+    bool parse_error = false;
+    for (std::size_t begin = 0; begin < content.size() && !parse_error;) {
         const std::size_t end = content.find('\n', begin);
         const std::size_t stop = end == std::string::npos ? content.size() : end;
-        lines.emplace_back(begin, stop - begin);
-        scan.line_starts.push_back(fed);
-        fed += static_cast<XML_Index>(stop - begin);
+        scan.line_starts.push_back(static_cast<XML_Index>(joined.size()));
         joined.append(content, begin, stop - begin);
-        begin = end == std::string::npos ? content.size() : end + 1;
-    }
-    bool parse_error = false;
-    for (std::size_t i = 0; i < lines.size() && !parse_error; ++i) {
-        const bool last = lines[i].first + lines[i].second == content.size();
         scan.new_line = true;
-        parse_error = XML_Parse(scan.parser, content.data() + lines[i].first, static_cast<int>(lines[i].second),
-                          last ? XML_TRUE : XML_FALSE)
+        parse_error = XML_Parse(scan.parser, content.data() + begin, static_cast<int>(stop - begin),
+                          end == std::string::npos ? XML_TRUE : XML_FALSE)
             == XML_STATUS_ERROR;
+        begin = end == std::string::npos ? content.size() : end + 1;
     }
     unsigned long error_line = 0;
     if (parse_error) {
