@@ -1,11 +1,12 @@
 #include <qvi18n/i18n/ctype/pattern_match.hpp>
 
+#include "i18n/ctype/normalized_text.hpp"
+
 #include <boost/exception/exception.hpp>
 
 #include <unicode/unorm2.h>
 
 #include <cstddef>
-#include <vector>
 
 namespace fl {
 namespace i18n {
@@ -70,57 +71,27 @@ unsigned int match_flags(const character_handling_mode_context& mode)
     return mode.is_case_sensitive_mode() ? 0U : static_cast<unsigned int>(UREGEX_CASE_INSENSITIVE);
 }
 
-// One text in normal form: on the stack when it fits, else in a buffer of exactly its size.
-class normalized_text : private boost::noncopyable {
-public:
-    normalized_text()
-        : text(stack)
-        , length(0)
-    { }
-
-    // False when ICU fails or the text is too long for it.
-    bool assign(const char16_t* source, unsigned long source_length, int flag)
-    {
-        text = stack;
-        length = 0;
-        if (source_length == 0)
-            return true;
-        if (source_length > max_icu_length)
-            return false;
-        UErrorCode status = U_ZERO_ERROR;
-        const UNormalizer2* form
-            = (flag & decompose_bit) ? unorm2_getNFDInstance(&status) : unorm2_getNFCInstance(&status);
-        if (U_FAILURE(status))
-            return false;
-        const int32_t n = static_cast<int32_t>(source_length);
-        int32_t needed = unorm2_normalize(form, source, n, stack, stack_size, &status);
-        if (!U_FAILURE(status)) {
-            length = needed;
-            return true;
-        }
-        if (status != U_BUFFER_OVERFLOW_ERROR || needed <= 0)
-            return false;
-        heap.assign(static_cast<std::size_t>(needed), 0);
-        status = U_ZERO_ERROR;
-        needed = unorm2_normalize(form, source, n, heap.data(), needed, &status);
-        if (U_FAILURE(status))
-            return false;
-        text = heap.data();
-        length = needed;
+// `source` in the normal form `flag` picks, into `out`; false when ICU fails or the text is too
+// long for it.
+bool normalize(detail::normalized_text& out, const char16_t* source, unsigned long length, int flag)
+{
+    if (length == 0)
         return true;
-    }
+    if (length > max_icu_length)
+        return false;
+    UErrorCode status = U_ZERO_ERROR;
+    const UNormalizer2* form
+        = (flag & decompose_bit) ? unorm2_getNFDInstance(&status) : unorm2_getNFCInstance(&status);
+    if (U_FAILURE(status))
+        return false;
+    out.assign(form, source, static_cast<int32_t>(length), status);
+    return U_SUCCESS(status);
+}
 
-    const char16_t* data() const { return text; }
-    int32_t size() const { return length; }
-    ustring str() const { return ustring(text, static_cast<std::size_t>(length)); }
-
-private:
-    static const int32_t stack_size = 1024;
-    char16_t stack[stack_size];
-    std::vector<char16_t> heap;
-    const char16_t* text;
-    int32_t length;
-};
+ustring str(const detail::normalized_text& text)
+{
+    return ustring(text.text, static_cast<std::size_t>(text.length));
+}
 
 // Whole-text match of [text, text + length): 1 or 0, or -1 when ICU fails. The expression keeps
 // a pointer to the text, which must stay put until the match is over.
@@ -145,10 +116,10 @@ regex_excp_id match_text(URegularExpression* regex, const ustring& text, int nor
 {
     int result;
     if (normalization & normalize_bit) {
-        normalized_text normalized;
-        if (!normalized.assign(text.data(), text.size(), normalization))
+        detail::normalized_text normalized;
+        if (!normalize(normalized, text.data(), text.size(), normalization))
             return regex_failed_normalization;
-        result = run_match(regex, normalized.data(), static_cast<unsigned long>(normalized.size()));
+        result = run_match(regex, normalized.text, static_cast<unsigned long>(normalized.length));
     } else {
         result = run_match(regex, text.data(), text.size());
     }
@@ -224,10 +195,10 @@ pattern_match::pattern_match(const ustring& pattern, const character_handling_mo
         throw_regex<RegexInvalidArgument>();
     normalization = normalization_flag(mode);
     if (normalization & normalize_bit) {
-        normalized_text normalized;
-        if (!normalized.assign(pattern.data(), pattern.size(), normalization))
+        detail::normalized_text normalized;
+        if (!normalize(normalized, pattern.data(), pattern.size(), normalization))
             throw_regex<RegexFailedNormalization>();
-        core.reset(new regex_core(normalized.str(), match_flags(mode)));
+        core.reset(new regex_core(str(normalized), match_flags(mode)));
     } else {
         core.reset(new regex_core(pattern, match_flags(mode)));
     }
@@ -262,11 +233,11 @@ regex_excp_id simple_pattern_match::open(const ustring& pattern, const character
     normalization = normalization_flag(mode);
     // Normalised whatever the flag, so that a pattern ICU cannot normalise fails the same way in
     // every mode.
-    normalized_text normalized;
-    if (!normalized.assign(pattern.data(), pattern.size(), normalization))
+    detail::normalized_text normalized;
+    if (!normalize(normalized, pattern.data(), pattern.size(), normalization))
         return state = regex_failed_normalization;
     if (normalization & normalize_bit)
-        core.open(normalized.str(), match_flags(mode), state);
+        core.open(str(normalized), match_flags(mode), state);
     else
         core.open(pattern, match_flags(mode), state);
     return state;

@@ -2,10 +2,10 @@
 #include <qvi18n/i18n/ustring.hpp>
 
 #include "i18n/ctype/ctype_throw.hpp"
+#include "i18n/ctype/normalized_text.hpp"
 #include <qvi18n/i18n/locale/ascii_text.hpp>
 
 #include <boost/function.hpp>
-#include <boost/noncopyable.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include <unicode/unorm.h>
@@ -122,44 +122,6 @@ bool ascii_prefix(const char16_t* left, std::int32_t left_length, const char16_t
     return false;
 }
 
-// A text in NFD: the text itself when it is in NFD already, else a normalised copy, on the stack while
-// it is short.
-class decomposed_text : private boost::noncopyable {
-public:
-    decomposed_text(const UNormalizer2* nfd, const char16_t* text, std::int32_t length, UErrorCode& status)
-        : text(text)
-        , length(length)
-    {
-        if (unorm2_spanQuickCheckYes(nfd, text, length, &status) == length || U_FAILURE(status))
-            return;
-        // Most text grows by less than half when decomposed; a rare larger result is made again.
-        std::int32_t capacity = length + length / 2;
-        char16_t* buffer = local;
-        if (capacity > local_capacity) {
-            heap.resize(static_cast<std::size_t>(capacity));
-            buffer = &heap[0];
-        } else {
-            capacity = local_capacity;
-        }
-        this->length = unorm2_normalize(nfd, text, length, buffer, capacity, &status);
-        if (status == U_BUFFER_OVERFLOW_ERROR) {
-            status = U_ZERO_ERROR;
-            heap.resize(static_cast<std::size_t>(this->length));
-            buffer = &heap[0];
-            this->length = unorm2_normalize(nfd, text, length, buffer, this->length, &status);
-        }
-        this->text = buffer;
-    }
-
-    const char16_t* text;
-    std::int32_t length;
-
-private:
-    static const std::int32_t local_capacity = 1024;
-    char16_t local[local_capacity];
-    ustring heap;
-};
-
 // Canonical equivalence in code-unit order, as unorm_compare answers it, from both texts decomposed in
 // bulk: on text where many characters differ in form this is much quicker than ICU's comparison
 // character by character.
@@ -167,8 +129,10 @@ int decomposed_compare(const char16_t* left, std::int32_t left_count, const char
 {
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2* nfd = unorm2_getNFDInstance(&status);
-    const decomposed_text a(nfd, left, left_count, status);
-    const decomposed_text b(nfd, right, right_count, status);
+    i18n::detail::normalized_text a;
+    a.assign(nfd, left, left_count, status);
+    i18n::detail::normalized_text b;
+    b.assign(nfd, right, right_count, status);
     if (U_FAILURE(status))
         i18n::detail::throw_ctype<CtypeStrCompFailure>();
     const std::int32_t common = std::min(a.length, b.length);
