@@ -211,9 +211,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const char* encoding = encodings[data[0] % (sizeof encodings / sizeof *encodings)];
     const unsigned pick = data[1];
     const std::string bytes(reinterpret_cast<const char*>(data + 2), size - 2);
-    ustring text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) | static_cast<unsigned char>(bytes[i + 1]) << 8);
+    const ustring text = qvfuzz::utf16_units(data + 2, size - 2);
 
     switch (pick % 4) {
     case 0:

@@ -55,14 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 2)
         return 0;
-    ustring text;
-    if (data[0] % 2 == 0) {
-        for (std::size_t i = 2; i < size; ++i)
-            text += static_cast<char16_t>(data[i]);
-    } else {
-        for (std::size_t i = 2; i + 1 < size; i += 2)
-            text += static_cast<char16_t>(data[i] | data[i + 1] << 8);
-    }
+    const ustring text = qvfuzz::utf16_units(data + 2, size - 2, data[0] % 2 == 0);
     const std::size_t split = text.empty() ? 0 : data[1] % (text.size() + 1);
     const ustring left = text.substr(0, split);
     const ustring right = text.substr(split);

@@ -13,14 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 1)
         return 0;
-    fl::i18n::ustring text;
-    if (data[0] % 2 == 0) {
-        for (std::size_t i = 1; i < size; ++i)
-            text += static_cast<char16_t>(data[i]);
-    } else {
-        for (std::size_t i = 1; i + 1 < size; i += 2)
-            text += static_cast<char16_t>(data[i] | data[i + 1] << 8);
-    }
+    const fl::i18n::ustring text = qvfuzz::utf16_units(data + 1, size - 1, data[0] % 2 == 0);
     const fl::i18n::ustring ours = fl::i18n::unescape_c_mode(text);
     const icu::UnicodeString theirs
         = icu::UnicodeString(text.data(), static_cast<int32_t>(text.size())).unescape();
