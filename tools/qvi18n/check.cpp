@@ -539,7 +539,6 @@ int run_check(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     std::string root = values["root"].as<std::string>();
     while (root.size() > 1 && root.back() == '/') {
         root.pop_back();

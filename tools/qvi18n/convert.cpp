@@ -94,7 +94,6 @@ int run_convert(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     const bool substitute = values.count("strict") == 0;
     if (!substitute) {
         unmappable = fi::call_back_invalid_check;

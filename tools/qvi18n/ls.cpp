@@ -25,7 +25,6 @@ int run_ls(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     const fl::i18n::ustring dir = from_utf8(values["dir"].as<std::string>());
     // Names are collected first so that a failure half-way leaves no partial listing behind.
     std::vector<std::string> names;

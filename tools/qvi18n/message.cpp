@@ -83,7 +83,6 @@ int run_message(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     boost::shared_ptr<const fi::QvLocale> locale = values.count("locale") != 0
         ? fi::QvLocale::createLocale(values["locale"].as<std::string>())
         : fi::QvLocale::createLocale(fi::QvLocale::global());
@@ -115,7 +114,6 @@ int run_complete(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     const std::string prefix = values["prefix"].as<std::string>();
     const fi::MessageIdCompletions found = fi::getMessageIdCompletions(from_utf8(prefix));
     // Whole identifiers, so that a shell can offer them as they stand.
@@ -141,7 +139,6 @@ int run_map(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
     for (const fl::filesystem::upath& map : fi::write_catalog_maps(fl::filesystem::upath(from_utf8(values["root"].as<std::string>())))) {
         std::cout << utf8(map.get_path_name()) << "\n";
     }

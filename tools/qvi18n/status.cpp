@@ -46,7 +46,6 @@ int run_status(const arguments& args)
     if (parsed >= 0) {
         return parsed;
     }
-    start_up();
 
     const fi::QvLocale& global = fi::QvLocale::global();
     fields locale;

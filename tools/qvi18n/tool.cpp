@@ -59,11 +59,6 @@ std::string installation_root()
 
 void start_up()
 {
-    static bool done = false;
-    if (done) {
-        return;
-    }
-    done = true;
     fi::initialize();
     const std::string root = installation_root();
     try {
@@ -239,7 +234,6 @@ int parse_arguments(const std::string& command, const std::string& synopsis, con
     po::options_description& options, const po::positional_options_description& positional,
     po::variables_map& values)
 {
-    start_up();
     options.add_options()("help,h", say("HelpHelp").c_str());
     const std::vector<std::string> names = positional_names(positional);
     try {

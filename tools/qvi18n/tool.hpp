@@ -24,7 +24,8 @@ fl::i18n::ustring from_utf8(const std::string& text);
 std::string json_quote(const std::string& text);
 
 // Start-up as every subcommand needs it: the locale decided, the library's own catalogs
-// reachable. Failures are kept in the start-up status, never thrown. Runs once.
+// reachable. Failures are kept in the start-up status, never thrown. main() runs it once,
+// before anything else: the subcommands' option texts already speak the user's language.
 void start_up();
 
 // The command's own text `key` (catalog "fl:tools:qvi18n") in the global locale's language,
