@@ -301,11 +301,18 @@ void scan_catalog(catalog_file& file, const std::string& content, findings& out)
     }
 }
 
+// The whole file, or false when it can't be opened or read.
+bool read_file(const std::string& path, std::string& content)
+{
+    std::ifstream in(path, std::ios::binary);
+    content.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return in.good() || in.eof();
+}
+
 void read_catalog(catalog_file& file, findings& out)
 {
-    std::ifstream in(file.path, std::ios::binary);
-    std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (!in.good() && !in.eof()) {
+    std::string content;
+    if (!read_file(file.path, content)) {
         file.readable = false;
         out.push_back({file.path, 0, "unreadable", say("FileUnreadable")});
         return;
@@ -473,9 +480,8 @@ void check_map(const fs::upath& resources, const std::string& component, finding
     }
     wanted.insert(path);
     const std::string expected = fi::make_catalog_map(catalogs);
-    std::ifstream in(path, std::ios::binary);
-    const std::string found((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (!in.good() && !in.eof()) {
+    std::string found;
+    if (!read_file(path, found)) {
         if (::access(path.c_str(), F_OK) == 0) {
             out.push_back({path, 0, "unreadable", say("FileUnreadable")});
         } else {
