@@ -148,9 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 1)
         return 0;
     const std::size_t split_at = data[0];
-    ustring text;
-    for (std::size_t i = 1; i + 1 < size; i += 2)
-        text += static_cast<char16_t>(data[i] | (data[i + 1] << 8));
+    const ustring text = qvfuzz::utf16_units(data + 1, size - 1);
 
     check_clean_up(text);
     const ustring native = detail::make_native_form(text, false);
